@@ -1,0 +1,86 @@
+// HostCallTable: the 68 function pointers through which the engine reaches its host.
+//
+// A host fills the slots it serves before it uses the engine, by `hostCallTable().startTimer =
+// ...`. An empty slot is allowed everywhere: the engine then goes on as if the call had done
+// nothing and answered zero. Unless a role says otherwise it is called on the host's own thread,
+// the one that calls the engine, and must not call back into the engine. Only plain C types cross.
+#pragma once
+
+#include <cstdint>
+
+#include "brushwork/export.h"
+
+namespace brushwork {
+
+// A box of pixels: the corner with the smallest coordinates, then the extent. Same layout as
+// ilTile.
+struct HostBox {
+    std::int32_t x = 0, y = 0, z = 0;
+    std::int32_t nx = 0, ny = 0, nz = 0;
+};
+
+using HostCanvas = void*;   // a window or view of the host; null is none
+using HostSurface = void*;  // the pixels that such a canvas shows; null is none
+using HostTimerId = std::int32_t;
+using HostTimerCallback = void (*)(void* argument);
+using HostReservedCall = void (*)();
+
+struct HostCallTable {
+    // Canvases and the surfaces behind them.
+    HostCanvas (*createCanvas)(std::intptr_t value1, std::intptr_t value2) = nullptr;
+    void (*canvasCreated)(HostCanvas canvas) = nullptr;
+    HostSurface (*canvasSurface)(HostCanvas canvas) = nullptr;
+    void (*surfaceSize)(HostSurface surface, std::int32_t* width, std::int32_t* height) = nullptr;
+    void* (*surfacePixels)(HostSurface surface) = nullptr;  // four bytes a pixel, rows from below
+    bool (*surfaceIsTransparent)(HostSurface surface) = nullptr;
+    void (*setCanvasSurface)(HostCanvas canvas, std::intptr_t value) = nullptr;
+    void (*screenSize)(std::int32_t* width, std::int32_t* height) = nullptr;
+
+    // Timers: one-shot, delivered on the host's thread while it is outside the engine.
+    HostTimerId (*startTimer)(std::int32_t milliseconds, HostTimerCallback callback,
+                              void* argument) = nullptr;
+    void (*stopTimer)(HostTimerId timer) = nullptr;
+
+    // Display.
+    void (*requestRepaint)(HostCanvas canvas) = nullptr;
+    bool (*isUpdating)() = nullptr;
+    void (*flushCanvas)(HostCanvas canvas) = nullptr;
+    void (*beginPaint)(HostCanvas canvas) = nullptr;
+    void (*endPaint)(HostCanvas canvas) = nullptr;
+    void (*setCursor)(HostCanvas canvas, std::int32_t cursor) = nullptr;
+    void (*drawOutline)(HostCanvas canvas, const void* pixels, std::int32_t step,
+                        const HostBox* box) = nullptr;
+    void (*viewParameters)(HostSurface surface, float* outputs8) = nullptr;
+    void (*presentSurface)(HostSurface surface) = nullptr;
+
+    // Document state and what the host's own windows show of it.
+    bool (*documentValid)(std::int32_t canvasIndex) = nullptr;
+    void (*refreshUI)(bool layers, bool canvas) = nullptr;
+    void (*uiRefresh)() = nullptr;
+    void (*layerListChanged)(bool whole) = nullptr;
+    void (*activeLayerChanged)() = nullptr;
+    void (*dirtyRect)(std::int32_t canvas, std::int32_t layer, const HostBox* box) = nullptr;
+    void (*layerDirtyRect)(std::int32_t layerId, const HostBox* box) = nullptr;
+    void (*setBusy)(bool busy) = nullptr;
+
+    // Words to a person and to a developer. Texts are UTF-8 and end with the call.
+    void (*showMessage)(const char* text) = nullptr;
+    std::int32_t (*reportError)(std::int32_t a, std::int32_t b, std::int32_t style, char* buffer,
+                                const char* text) = nullptr;
+    // 0x2016 asks for layer and undo logs, 0x1f41 for paint marks, 8111 for image construction.
+    // May be called from any thread.
+    std::int32_t (*debugLevel)() = nullptr;
+
+    // Slots that no role uses yet. They are cleared like the others.
+    HostReservedCall reserved[38] = {};
+};
+
+inline constexpr int hostCallSlots = 68;
+static_assert(sizeof(HostCallTable) == hostCallSlots * sizeof(HostReservedCall));
+
+// The process's one table. Fill or change it only while no engine call runs.
+[[nodiscard]] BRUSHWORK_API HostCallTable& hostCallTable() noexcept;
+// Empties all 68 slots.
+BRUSHWORK_API void clearHostCallTable() noexcept;
+
+}  // namespace brushwork

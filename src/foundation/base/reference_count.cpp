@@ -1,0 +1,7 @@
+#include "brushwork/reference_count.h"
+
+namespace brushwork::zn {
+
+ReferenceCount::~ReferenceCount() = default;
+
+}  // namespace brushwork::zn
