@@ -1,0 +1,72 @@
+#include "bridge/bridge_entry.h"
+
+#include <exception>
+
+#include "bridge/commands.h"
+#include "bridge/gdi_plus_session.h"
+#include "bridge/request_record.h"
+#include "brushwork/host_call_table.h"
+#include "foundation/files/file.h"
+
+namespace brushwork {
+
+namespace {
+
+struct CommandRow {
+    std::u16string_view name;
+    bool (*run)(const RequestRecord&, RequestRecord&);
+};
+
+// Compared without regard to case, in this order.
+constexpr CommandRow commands[] = {
+    {u"OpenFromFile", commandOpenFromFile},
+    {u"SaveToFile", commandSaveToFile},
+    {u"GetSize", commandGetSize},
+};
+
+// An unknown command is no error: its answer is an empty record.
+bool runCommand(const RequestRecord& request, RequestRecord& response) {
+    const znString::IString command(fieldText(request.command));
+    for (const auto& row : commands)
+        if (command.compareNoCase(row.name) == 0) return row.run(request, response);
+    return true;
+}
+
+int serve(const std::vector<std::u16string>& arguments) {
+    GdiPlusSession::start();
+    clearHostCallTable();
+    const znString::IString requestPath{std::u16string_view(requestPathFrom(arguments))};
+    RequestRecord request;
+    RequestRecord response;
+    if (!readRecord(requestPath, request)) return bridgeFailed;
+    if (!runCommand(request, response)) return bridgeFailed;
+    // Nobody will ever hear of the pixels if the answer can't be left.
+    if (!writeRecord(znString::IString(fieldText(request.responsePath)), response) &&
+        response.pixelsPath[0] != u'\0')
+        static_cast<void>(znOS::File::remove(znString::IString(fieldText(response.pixelsPath))));
+    GdiPlusSession::stop();
+    return bridgeAnswered;
+}
+
+}  // namespace
+
+std::u16string requestPathFrom(const std::vector<std::u16string>& arguments) {
+    for (std::size_t i = 1; i + 1 < arguments.size(); ++i) {
+        const std::u16string_view argument = arguments[i];
+        if (argument.starts_with(u'/') &&
+            znString::IString(argument.substr(1)).compareNoCase(u"file") == 0)
+            return arguments[i + 1];
+    }
+    return {};
+}
+
+int runBridge(const std::vector<std::u16string>& arguments) noexcept {
+    try {
+        return serve(arguments);
+    } catch (const std::exception&) {
+        // Out of memory: whatever was under construction has removed itself.
+        return bridgeFailed;
+    }
+}
+
+}  // namespace brushwork
