@@ -1,0 +1,39 @@
+// brushwork: the engine and its picture helper from the command line.
+#include <CLI/CLI.hpp>
+#include <cstdio>
+#include <exception>
+
+#include "tools/command_image.h"
+#include "tools/exit_codes.h"
+
+int main(int argc, char** argv) {
+    using namespace brushwork::tools;
+    int exitCode = ExitDone;
+    try {
+        CLI::App program{"Brushwork: a paint engine and its picture helper"};
+        program.name("brushwork");
+        program.set_version_flag("--version", BRUSHWORK_VERSION);
+        program.require_subcommand(1);
+        program.footer(
+            "Exit codes: 0 done, 1 failed, 2 usage, 3 bad input file, 4 input or output error,\n"
+            "5 out of memory or over a limit.\n\n"
+            "Examples:\n"
+            "  brushwork image info photo.jpg\n"
+            "  brushwork image convert photo.jpg photo.png");
+        addImageCommand(program, exitCode);
+        try {
+            program.parse(argc, argv);
+        } catch (const CLI::ParseError& error) {
+            return program.exit(error) == 0 ? ExitDone : ExitUsage;
+        }
+    } catch (const std::bad_alloc&) {
+        std::fputs("brushwork: out of memory\n", stderr);
+        return ExitLimit;
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "brushwork: %s\n", error.what());
+        return ExitFailed;
+    }
+    // Output that never reached its reader is a failure.
+    if (std::fflush(stdout) != 0 && exitCode == ExitDone) exitCode = ExitInputOutput;
+    return exitCode;
+}
