@@ -1,0 +1,137 @@
+// The command line as a script uses it: exit codes, streams, files.
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+
+#include <cstdio>
+#include <nlohmann/json.hpp>
+#include <string>
+
+#include "support/temp_folder.h"
+
+namespace brushwork {
+namespace {
+
+using test::readBytes;
+using test::TempFolder;
+
+struct Outcome {
+    int exitCode = -1;
+    std::string out, err;
+};
+
+std::string slurp(const std::string& path) {
+    const auto bytes = readBytes(path);
+    return {bytes.begin(), bytes.end()};
+}
+
+Outcome brushwork(const TempFolder& folder, const std::string& arguments,
+                  const std::string& environment = "") {
+    const std::string command = environment + " '" + std::string(BRUSHWORK_PROGRAM) + "' " +
+                                arguments + " >'" + folder.file("out") + "' 2>'" +
+                                folder.file("err") + "'";
+    const int status = std::system(command.c_str());
+    return {WEXITSTATUS(status), slurp(folder.file("out")), slurp(folder.file("err"))};
+}
+
+std::string picture(const std::string& name) {
+    return "'" + std::string(BRUSHWORK_TEST_DATA) + "/pictures/" + name + "'";
+}
+
+TEST(CommandImage, InfoTellsEachPicture) {
+    TempFolder folder;
+    const auto text = brushwork(folder, "image info " + picture("rocket.jpg"));
+    EXPECT_EQ(text.exitCode, 0) << text.err;
+    EXPECT_NE(text.out.find("JPEG 640 x 427"), std::string::npos) << text.out;
+    EXPECT_EQ(text.err, "");
+
+    const auto json =
+        brushwork(folder, "image info --json " + picture("rocket.jpg") + " " + picture("no-such") +
+                              " " + picture("shortfile.bmp") + " " + picture("cup-dpi300x150.jpg"));
+    EXPECT_EQ(json.exitCode, 4) << "the first failure's code";
+    const auto parsed = nlohmann::json::parse(json.out);
+    ASSERT_EQ(parsed.size(), 4U);
+    EXPECT_EQ(parsed[0]["width"], 640);
+    EXPECT_TRUE(parsed[1].contains("error"));
+    EXPECT_TRUE(parsed[2].contains("error"));
+    EXPECT_EQ(parsed[3]["xResolution"], 300.0);
+    EXPECT_EQ(parsed[3]["yResolution"], 150.0);
+    EXPECT_TRUE(folder.leftovers().empty());
+}
+
+TEST(CommandImage, QuickInfoReadsHeadersOnly) {
+    TempFolder folder;
+    const std::string cut = picture("broken-truncated-baseline.jpg");
+    EXPECT_EQ(brushwork(folder, "image info " + cut).exitCode, 3);
+    const auto quick = brushwork(folder, "image info --quick --json " + cut);
+    EXPECT_EQ(quick.exitCode, 0);
+    EXPECT_FALSE(nlohmann::json::parse(quick.out)[0].contains("format"));
+}
+
+TEST(CommandImage, ConvertKeepsColoursUnderAlpha) {
+    TempFolder folder;
+    const auto convert = [&](const std::string& from, const std::string& to) {
+        const auto outcome = brushwork(folder, "image convert " + from + " '" + to + "'");
+        EXPECT_EQ(outcome.exitCode, 0) << outcome.err;
+    };
+    // Straight alpha goes to PNG and comes back: what alpha leaves of a colour is the same.
+    convert(picture("cup-rgba-zip.tif"), folder.file("a.png"));
+    convert("'" + folder.file("a.png") + "'", folder.file("b.tif"));
+    convert("'" + folder.file("b.tif") + "'", folder.file("c.png"));
+    EXPECT_EQ(readBytes(folder.file("a.png")).size() > 1000, true);
+    convert("'" + folder.file("c.png") + "'", folder.file("d.tif"));
+    EXPECT_EQ(readBytes(folder.file("b.tif")), readBytes(folder.file("d.tif")))
+        << "after one premultiplication nothing more is lost";
+    EXPECT_TRUE(folder.leftovers().empty());
+}
+
+TEST(CommandImage, ConvertTakesFormatQualityAndResolution) {
+    TempFolder folder;
+    const std::string out = folder.file("out.dat");
+    EXPECT_EQ(
+        brushwork(folder, "image convert " + picture("rocket.jpg") + " '" + out + "'").exitCode, 2)
+        << "no format to be told from the name";
+    const auto json = brushwork(folder, "image convert " + picture("rocket.jpg") + " '" + out +
+                                            "' --format jpeg --quality 10 --dpi 300 --json");
+    ASSERT_EQ(json.exitCode, 0) << json.err;
+    EXPECT_EQ(nlohmann::json::parse(json.out)["format"], "JPEG");
+    const auto info = brushwork(folder, "image info --json '" + out + "'");
+    EXPECT_EQ(nlohmann::json::parse(info.out)[0]["xResolution"], 300.0);
+    const auto small = readBytes(out).size();
+    brushwork(folder, "image convert " + picture("rocket.jpg") + " '" + out + "' --format JPEG");
+    EXPECT_LT(small * 2, readBytes(out).size());
+}
+
+TEST(CommandImage, ExitCodesSayWhatWentWrong) {
+    TempFolder folder;
+    const std::string rocket = picture("rocket.jpg");
+    const auto code = [&](const std::string& arguments, const std::string& environment = "") {
+        const auto outcome = brushwork(folder, arguments, environment);
+        if (outcome.exitCode != 0 && outcome.exitCode != 2) {
+            EXPECT_EQ(outcome.err.rfind("brushwork: ", 0), 0U) << arguments << ": " << outcome.err;
+            EXPECT_EQ(outcome.out, "") << arguments;
+        }
+        return outcome.exitCode;
+    };
+    EXPECT_EQ(code("--help"), 0);
+    EXPECT_EQ(code("image convert --help"), 0);
+    EXPECT_EQ(code("--version"), 0);
+    EXPECT_EQ(code(""), 2);
+    EXPECT_EQ(code("image"), 2);
+    EXPECT_EQ(code("image info"), 2);
+    EXPECT_EQ(code("image paint x"), 2);
+    EXPECT_EQ(code("image convert " + rocket + " x.png --quality 101"), 2);
+    EXPECT_EQ(code("image convert " + rocket + " x.png --quality ten"), 2);
+    EXPECT_EQ(code("image convert " + rocket + " x.png --dpi 0"), 2);
+    EXPECT_EQ(code("image convert " + rocket + " x --format webp"), 2);
+    EXPECT_EQ(code("image info '" + std::string(BRUSHWORK_TEST_DATA) + "/README.md'"), 3);
+    EXPECT_EQ(code("image info " + picture("xcsn0g01.png")), 3);
+    EXPECT_EQ(code("image info " + picture("missing.png")), 4);
+    EXPECT_EQ(code("image info '" + folder.temporary().string() + "'"), 4) << "a folder";
+    EXPECT_EQ(code("image convert " + rocket + " '" + folder.file("no/such/x.png") + "'"), 4);
+    EXPECT_EQ(code("image info " + rocket, "INKATELIER_BRIDGE_PIXELS_MIB=1"), 5);
+    EXPECT_EQ(code("image info " + rocket, "TMPDIR=/no/such/folder"), 4);
+    EXPECT_TRUE(folder.leftovers().empty());
+}
+
+}  // namespace
+}  // namespace brushwork
