@@ -17,8 +17,10 @@ class CountingSink final : public RowSink {
     explicit CountingSink(std::int32_t width) : rowBytes_(static_cast<std::size_t>(width) * 4) {}
     bool putRows(std::int32_t, std::int32_t count, const std::uint8_t* bgra) override {
         // Reads every byte, so that the sanitizer sees a short buffer.
+        unsigned sum = 0;
         for (std::size_t i = 0; i < rowBytes_ * static_cast<std::size_t>(count); ++i)
-            sum_ += bgra[i];
+            sum += bgra[i];
+        sum_ = sum;
         return true;
     }
 

@@ -13,7 +13,7 @@
 #include "codec_test_streams.h"
 #include "platform/codec_bmp.h"
 
-namespace brushwork::platform::test {
+namespace brushwork::platform::test::bmp {
 
 using Random = std::mt19937;
 
@@ -152,4 +152,4 @@ inline std::uint32_t randomMask(Random& random, int bits) {
     return static_cast<std::uint32_t>(((std::uint64_t{1} << length) - 1) << low);
 }
 
-}  // namespace brushwork::platform::test
+}  // namespace brushwork::platform::test::bmp

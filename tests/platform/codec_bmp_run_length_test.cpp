@@ -9,6 +9,8 @@
 namespace brushwork::platform::test {
 namespace {
 
+using namespace bmp;
+
 // Random run-length data and, drawn beside it, the indices that it stands for.
 struct RunLengthPicture {
     BmpFile file;

@@ -12,6 +12,8 @@
 namespace brushwork::platform::test {
 namespace {
 
+using namespace bmp;
+
 void expectReads(const BmpFile& file, const std::string& name) {
     const Decoded got = read(file.bytes());
     ASSERT_TRUE(got.ok()) << name;
