@@ -1,0 +1,103 @@
+// Each case runs in a process of its own, since limits can't be taken back.
+#include "platform/process_limits.h"
+
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/socket.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <chrono>
+#include <cstdlib>
+#include <functional>
+#include <thread>
+
+#include "platform/text_codec.h"
+#include "support/scratch_directory.h"
+
+namespace brushwork::platform {
+namespace {
+
+// Sanitizers need the address space and the processes that the limits take away.
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+constexpr bool sanitized = true;
+#else
+constexpr bool sanitized = false;
+#endif
+
+// The wait status of a child that runs `body` and ends with its answer. The parent may act on the
+// child while it runs.
+int inChild(const std::function<int()>& body, const std::function<void(pid_t)>& meanwhile = {}) {
+    const pid_t child = ::fork();
+    if (child == 0) ::_exit(body());
+    if (meanwhile) meanwhile(child);
+    int status = 0;
+    EXPECT_EQ(::waitpid(child, &status, 0), child);
+    return status;
+}
+
+TEST(ProcessLimits, TakeAwayProcessesAndTheNetworkButNotThreads) {
+    if (sanitized) GTEST_SKIP() << "not confined under a sanitizer";
+    const int status = inChild([] {
+        applyProcessLimits({0, 0, true});
+        if (::fork() != -1 || errno != EPERM) return 2;
+        if (::socket(AF_INET, SOCK_STREAM, 0) != -1 || errno != EPERM) return 3;
+        char name[] = "/bin/true";
+        char* const arguments[] = {name, nullptr};
+        if (::execv(name, arguments) != -1 || errno != EPERM) return 4;
+        int answer = 5;
+        std::thread([&] { answer = 0; }).join();
+        return answer;
+    });
+    EXPECT_TRUE(WIFEXITED(status));
+    EXPECT_EQ(WEXITSTATUS(status), 0);
+}
+
+TEST(ProcessLimits, BoundTheAddressSpace) {
+    if (sanitized) GTEST_SKIP() << "not bounded under a sanitizer";
+    const int status = inChild([] {
+        applyProcessLimits({std::uint64_t{512} << 20, 0, false});
+        void* small = std::malloc(std::size_t{16} << 20);
+        void* large = std::malloc(std::size_t{1} << 30);
+        const int answer = small == nullptr ? 2 : large != nullptr ? 3 : 0;
+        std::free(small);
+        std::free(large);
+        return answer;
+    });
+    EXPECT_EQ(WEXITSTATUS(status), 0);
+}
+
+TEST(ProcessLimits, PartialFilesGoWhenTheProcessIsEnded) {
+    const ScratchDirectory scratch;
+    const auto partial = scratch.put("partial", "half");
+    const auto kept = scratch.put("kept", "whole");
+    const auto child = [&](const ProcessLimits& limits) {
+        return [&, limits] {
+            applyProcessLimits(limits);
+            notePartialFile(scratch.name("kept"));
+            notePartialFile(scratch.name("partial"));
+            dropPartialFile(scratch.name("kept"));
+            for (;;) {
+            }
+            return 0;
+        };
+    };
+    const auto check = [&](int status, const char* reason) {
+        EXPECT_TRUE(WIFEXITED(status)) << reason;
+        EXPECT_EQ(WEXITSTATUS(status), 255) << reason;
+        EXPECT_FALSE(std::filesystem::exists(partial)) << reason;
+        EXPECT_TRUE(std::filesystem::exists(kept)) << reason;
+        scratch.put("partial", "half");
+    };
+    check(inChild(child({0, 1, false})), "out of processor time");
+    check(inChild(child({0, 0, false}),
+                  [](pid_t process) {
+                      std::this_thread::sleep_for(std::chrono::milliseconds(300));
+                      ::kill(process, SIGTERM);
+                  }),
+          "terminated");
+}
+
+}  // namespace
+}  // namespace brushwork::platform
