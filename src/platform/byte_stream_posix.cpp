@@ -15,20 +15,6 @@ namespace brushwork::platform {
 
 namespace {
 
-class FileSource final : public ByteSource {
-  public:
-    FileSource(FileDescriptor file, std::uint64_t size) : file_(std::move(file)), size_(size) {}
-    [[nodiscard]] std::uint64_t size() const override { return size_; }
-    [[nodiscard]] std::size_t readAt(std::uint64_t offset, void* buffer,
-                                     std::size_t count) override {
-        return readPlace(file_.get(), offset, buffer, count);
-    }
-
-  private:
-    FileDescriptor file_;
-    std::uint64_t size_;
-};
-
 // The file under construction, in either way of putting it in place.
 class PosixTarget : public ByteTarget {
   public:
@@ -144,15 +130,6 @@ bool takeOver(int file, const struct stat& old) {
 }
 
 }  // namespace
-
-std::unique_ptr<ByteSource> openFileSource(std::u16string_view path) {
-    // Without O_NONBLOCK, opening a pipe would wait for a writer.
-    FileDescriptor file = openDescriptor(NativePath(path).text(), O_RDONLY | O_NONBLOCK);
-    struct stat found {};
-    if (!file.isOpen() || ::fstat(file.get(), &found) != 0 || !S_ISREG(found.st_mode))
-        return nullptr;
-    return std::make_unique<FileSource>(std::move(file), static_cast<std::uint64_t>(found.st_size));
-}
 
 std::unique_ptr<ByteTarget> createFileTarget(std::u16string_view path) {
     const std::string name = NativePath(path).text();

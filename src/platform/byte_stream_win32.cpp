@@ -59,20 +59,6 @@ bool writePlace(HANDLE file, std::uint64_t offset, const void* bytes, std::size_
     return true;
 }
 
-class FileSource final : public ByteSource {
-  public:
-    FileSource(Handle file, std::uint64_t size) : file_(std::move(file)), size_(size) {}
-    [[nodiscard]] std::uint64_t size() const override { return size_; }
-    [[nodiscard]] std::size_t readAt(std::uint64_t offset, void* buffer,
-                                     std::size_t count) override {
-        return readPlace(file_.get(), offset, buffer, count);
-    }
-
-  private:
-    Handle file_;
-    std::uint64_t size_;
-};
-
 // The file under construction, in either way of putting it in place.
 class WindowsTarget : public ByteTarget {
   public:
@@ -183,15 +169,6 @@ bool isDevice(const std::wstring& path) {
 }
 
 }  // namespace
-
-std::unique_ptr<ByteSource> openFileSource(std::u16string_view path) {
-    Handle file = openHandle(nativePath(path), GENERIC_READ,
-                             FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE);
-    LARGE_INTEGER size{};
-    if (!file || ::GetFileType(file.get()) != FILE_TYPE_DISK || !::GetFileSizeEx(file.get(), &size))
-        return nullptr;
-    return std::make_unique<FileSource>(std::move(file), static_cast<std::uint64_t>(size.QuadPart));
-}
 
 std::unique_ptr<ByteTarget> createFileTarget(std::u16string_view path) {
     const std::wstring target = nativePath(path);

@@ -2,9 +2,7 @@
 
 #include <gif_lib.h>
 
-#include <algorithm>
 #include <array>
-#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -12,14 +10,11 @@
 #include <new>
 #include <vector>
 
-#include "platform/gif_dither.h"
-#include "platform/gif_palette.h"
+#include "platform/gif_rows.h"
 
 namespace brushwork::platform {
 
 namespace {
-
-constexpr std::int32_t largestSide = 65535;
 
 // What giflib writes, gathered into larger pieces.
 class Output {
@@ -65,13 +60,13 @@ struct FileDeleter {
 using ColourMap = std::unique_ptr<ColorMapObject, MapDeleter>;
 using GifFile = std::unique_ptr<GifFileType, FileDeleter>;
 
-// A table has a power of two of entries; those behind the palette are black.
-ColourMap makeMap(const std::vector<std::uint32_t>& palette, std::size_t entries) {
-    const std::size_t size = std::max<std::size_t>(std::bit_ceil(entries), 2);
-    ColourMap map(GifMakeMapObject(static_cast<int>(size), nullptr));
+// What stands behind the colours is black.
+ColourMap makeMap(const GifRows& rows) {
+    const std::vector<std::uint32_t>& colours = rows.colours();
+    ColourMap map(GifMakeMapObject(static_cast<int>(rows.tableSize()), nullptr));
     if (!map) return map;
-    for (std::size_t i = 0; i < size; ++i) {
-        const std::uint32_t colour = i < palette.size() ? palette[i] : 0;
+    for (std::size_t i = 0; i < rows.tableSize(); ++i) {
+        const std::uint32_t colour = i < colours.size() ? colours[i] : 0;
         map->Colors[i] = {static_cast<GifByteType>(colour >> 16),
                           static_cast<GifByteType>(colour >> 8), static_cast<GifByteType>(colour)};
     }
@@ -83,14 +78,12 @@ class GifWriter {
     GifWriter(const EncodeRequest& request, ByteTarget& target)
         : request_(request),
           output_(target),
-          width_(static_cast<std::size_t>(request.width)),
-          row_(width_ * 4),
-          indices_(width_) {}
+          rows_(request),
+          indices_(static_cast<std::size_t>(request.width)) {}
 
     [[nodiscard]] ImagingStatus write() {
-        if (!choosePalette()) return ImagingStatus::GenericError;
-        const std::size_t entries = palette_.size() + (transparent_ ? 1 : 0);
-        const ColourMap map = makeMap(palette_, entries);
+        if (!rows_.choosePalette()) return ImagingStatus::GenericError;
+        const ColourMap map = makeMap(rows_);
         int error = 0;
         GifFile gif(map ? EGifOpen(&output_, Output::onWrite, &error) : nullptr);
         if (!gif) return ImagingStatus::OutOfMemory;
@@ -101,33 +94,13 @@ class GifWriter {
     }
 
   private:
-    bool choosePalette() {
-        ColourCensus census;
-        for (std::int32_t y = 0; y < request_.height; ++y) {
-            if (!request_.source->getRow(y, row_.data())) return false;
-            census.add(row_.data(), width_);
-        }
-        transparent_ = census.hasTransparency();
-        if (census.isExact()) {
-            exact_ = census.exactColours();
-            palette_ = exact_.colours();
-        } else {
-            palette_ = fitPalette(census, maxGifColours - (transparent_ ? 1 : 0));
-            diffuser_ = std::make_unique<ErrorDiffuser>(width_, palette_, transparentIndex());
-        }
-        return true;
-    }
-
-    // Behind the colours.
-    std::uint8_t transparentIndex() const { return static_cast<std::uint8_t>(palette_.size()); }
-
     bool writeHeaders(GifFileType* gif, const ColorMapObject* map) {
         EGifSetGifVersion(gif, true);
         if (EGifPutScreenDesc(gif, request_.width, request_.height, 8, 0, map) != GIF_OK)
             return false;
-        if (transparent_) {
+        if (rows_.hasTransparency()) {
             GraphicsControlBlock control{};
-            control.TransparentColor = transparentIndex();
+            control.TransparentColor = rows_.transparentIndex();
             std::array<GifByteType, 4> bytes{};
             const std::size_t count = EGifGCBToExtension(&control, bytes.data());
             if (EGifPutExtension(gif, GRAPHICS_EXT_FUNC_CODE, static_cast<int>(count),
@@ -140,38 +113,16 @@ class GifWriter {
 
     bool writeRows(GifFileType* gif) {
         for (std::int32_t y = 0; y < request_.height; ++y) {
-            if (!request_.source->getRow(y, row_.data())) return false;
-            if (diffuser_) {
-                diffuser_->mapRow(row_.data(), indices_.data());
-            } else if (!mapExactly()) {
-                return false;
-            }
+            if (!rows_.nextRow(y, indices_.data())) return false;
             if (EGifPutLine(gif, indices_.data(), request_.width) != GIF_OK) return false;
-        }
-        return true;
-    }
-
-    // False for a colour that the first reading didn't meet.
-    bool mapExactly() {
-        const std::uint8_t* pixel = row_.data();
-        for (std::size_t x = 0; x < width_; ++x, pixel += 4) {
-            const bool visible = pixel[3] >= opaqueFrom;
-            const int index = visible ? exact_.find(colourOf(pixel)) : transparentIndex();
-            if (index < 0 || (!visible && !transparent_)) return false;
-            indices_[x] = static_cast<std::uint8_t>(index);
         }
         return true;
     }
 
     const EncodeRequest& request_;
     Output output_;
-    std::size_t width_;
-    std::vector<std::uint8_t> row_;
+    GifRows rows_;
     std::vector<std::uint8_t> indices_;
-    std::vector<std::uint32_t> palette_;
-    bool transparent_ = false;
-    ColourTable exact_;
-    std::unique_ptr<ErrorDiffuser> diffuser_;  // null where the palette is exact
 };
 
 }  // namespace
@@ -179,7 +130,7 @@ class GifWriter {
 ImagingStatus writeGif(const EncodeRequest& request, ByteTarget& target) {
     if (request.width < 1 || request.height < 1 || request.source == nullptr)
         return ImagingStatus::InvalidParameter;
-    if (request.width > largestSide || request.height > largestSide)
+    if (request.width > largestGifSide || request.height > largestGifSide)
         return ImagingStatus::ValueOverflow;
     try {
         return GifWriter(request, target).write();
