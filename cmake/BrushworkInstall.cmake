@@ -22,6 +22,8 @@ set(BRUSHWORK_PC_CFLAGS "")
 if(NOT BUILD_SHARED_LIBS)
   set(BRUSHWORK_PC_CFLAGS "-DBRUSHWORK_STATIC")
 endif()
+# Relative to the file itself, so that an installation may be moved.
+file(RELATIVE_PATH BRUSHWORK_PC_PREFIX /x/${CMAKE_INSTALL_LIBDIR}/pkgconfig /x)
 configure_file(cmake/brushwork.pc.in ${CMAKE_CURRENT_BINARY_DIR}/brushwork.pc @ONLY)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/brushwork.pc
   DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

@@ -57,8 +57,7 @@ class FileDescriptor {
 // came, fewer at the end or after a failure.
 [[nodiscard]] std::size_t readPlace(int file, std::uint64_t offset, void* buffer,
                                     std::size_t count);
-[[nodiscard]] bool writePlace(int file, std::uint64_t offset, const void* bytes,
-                              std::size_t count);
+[[nodiscard]] bool writePlace(int file, std::uint64_t offset, const void* bytes, std::size_t count);
 // Copies from the current place to the end.
 [[nodiscard]] bool copyDescriptor(int from, int to);
 

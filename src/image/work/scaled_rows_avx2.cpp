@@ -165,7 +165,7 @@ void cubicCubic(const RowJob& job) {
 }  // namespace
 
 const ScaledPasses scaledPassesAvx2 = {
-    {nullptr, linearColumnsFour},          {nullptr, nullptr},      {nullptr, nullptr, cubicColumnsFour},
-    {nullptr, nullptr, nullptr}, {nullptr, linearLinear}, {nullptr, nullptr, cubicCubic}};
+    {nullptr, linearColumnsFour}, {nullptr, nullptr},      {nullptr, nullptr, cubicColumnsFour},
+    {nullptr, nullptr, nullptr},  {nullptr, linearLinear}, {nullptr, nullptr, cubicCubic}};
 
 }  // namespace brushwork

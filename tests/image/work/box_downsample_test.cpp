@@ -30,8 +30,8 @@ TEST(BoxDownsample, TheScalePicksTheBlock) {
     EXPECT_EQ(reducedSize({23, 24}, blockReduction(0.7f)), (Extent<std::int32_t>{23, 24}));
 }
 
-// Every block size over odd sizes, all levels, against sums in plain integers; uncovered columns and
-// rows of the target are 0.
+// Every block size over odd sizes, all levels, against sums in plain integers; uncovered columns
+// and rows of the target are 0.
 TEST(BoxDownsample, EveryFormIsTheMeanOfItsBlock) {
     test::Random random(51);
     std::vector<VectorLevel> levels = test::vectorLevels();
@@ -47,15 +47,17 @@ TEST(BoxDownsample, EveryFormIsTheMeanOfItsBlock) {
                         source.fill(random);
                     else
                         std::fill_n(source.data(), source.size(), std::uint8_t{255});
-                    const BlockReduction reduction = blockReduction(1.0f / static_cast<float>(block));
+                    const BlockReduction reduction =
+                        blockReduction(1.0f / static_cast<float>(block));
                     const Extent<std::int32_t> size = reducedSize({width, height}, reduction);
                     test::GuardedBytes out(static_cast<std::size_t>(size.x * size.y * 4),
                                            random() % 32);
                     const test::AtLevel at(level);
                     noteKernelForm(VectorLevel::Scalar);
-                    ASSERT_TRUE(boxDownsample(source.data(), {width, height}, block, out.data(),
-                                              size));
-                    ASSERT_EQ(lastKernelForm() == VectorLevel::Scalar, level == VectorLevel::Scalar);
+                    ASSERT_TRUE(
+                        boxDownsample(source.data(), {width, height}, block, out.data(), size));
+                    ASSERT_EQ(lastKernelForm() == VectorLevel::Scalar,
+                              level == VectorLevel::Scalar);
                     for (std::int32_t y = 0; y < size.y; ++y)
                         for (std::int32_t x = 0; x < size.x; ++x)
                             for (std::int32_t c = 0; c < 4; ++c) {
@@ -63,7 +65,9 @@ TEST(BoxDownsample, EveryFormIsTheMeanOfItsBlock) {
                                 if ((x + 1) * block <= width && (y + 1) * block <= height)
                                     for (std::int32_t n = 0; n < block * block; ++n)
                                         sum += source.data()[((y * block + n / block) * width +
-                                                              x * block + n % block) * 4 + c];
+                                                              x * block + n % block) *
+                                                                 4 +
+                                                             c];
                                 ASSERT_EQ(out.data()[(y * size.x + x) * 4 + c],
                                           sum / (block * block))
                                     << vectorLevelName(level) << " block " << block << " size "

@@ -13,7 +13,7 @@ TEST(QuarterTurns, EveryPixelGoesToItsPlace) {
     test::Random random(61);
     std::vector<VectorLevel> levels = test::vectorLevels();
     levels.push_back(VectorLevel::Scalar);
-    constexpr std::int32_t sizes[][2] = {{1, 1},  {1, 9},  {9, 1},   {3, 5},    {4, 4},   {8, 8},
+    constexpr std::int32_t sizes[][2] = {{1, 1},  {1, 9},   {9, 1},   {3, 5},     {4, 4},    {8, 8},
                                          {13, 7}, {32, 33}, {35, 64}, {128, 128}, {127, 129}};
     for (const VectorLevel level : levels)
         for (const std::int32_t bytes : {1, 4})

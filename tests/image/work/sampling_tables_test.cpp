@@ -75,8 +75,8 @@ TEST(SamplingTables, EveryModePairFollowsTheDoubleFormula) {
                     for (std::int32_t y = 0; y < h; ++y)
                         for (std::int32_t x = 0; x < w; ++x)
                             for (int c = 0; c < channels; ++c) {
-                                const double exact = exactValue(picture, modeX, modeY, scaleX,
-                                                                scaleY, x, y, c);
+                                const double exact =
+                                    exactValue(picture, modeX, modeY, scaleX, scaleY, x, y, c);
                                 const int got =
                                     out[static_cast<std::size_t>((y * w + x) * channels + c)];
                                 if (cubic)
@@ -174,9 +174,9 @@ TEST(SamplingTables, BoxesAndOffsetsPickTheSamePixels) {
                                          sx >= box.x && sx < box.x + box.w && sy >= box.y &&
                                          sy < box.y + box.h;
                     for (int c = 0; c < 4; ++c)
-                        ASSERT_EQ(out[static_cast<std::size_t>(y * shape.rowBytes + x * 4 + c)],
-                                  written ? whole[static_cast<std::size_t>((sy * w + sx) * 4 + c)]
-                                          : 0x5A)
+                        ASSERT_EQ(
+                            out[static_cast<std::size_t>(y * shape.rowBytes + x * 4 + c)],
+                            written ? whole[static_cast<std::size_t>((sy * w + sx) * 4 + c)] : 0x5A)
                             << x << "," << y;
                 }
         }

@@ -53,14 +53,15 @@ TEST(WarpLoops, EqualOneSolveAndSampleAPixel) {
                 for (const QuadCorners& quad : quads) {
                     test::GuardedBytes picture(static_cast<std::size_t>(37 * 29 * channels), 0);
                     picture.fill(random);
-                    const Warp warp{channels, mode,
-                                    {picture.data(), 37, 29, 37 * channels, {7, 8, 9, 10}}};
+                    const Warp warp{
+                        channels, mode, {picture.data(), 37, 29, 37 * channels, {7, 8, 9, 10}}};
                     const CornerWarpSolver corner(quad, 37.0f, 29.0f);
                     const PerspectiveWarpSolver perspective(quad, 37.0f, 29.0f,
                                                             quadToSquare(quad).value());
                     const WarpTarget shape{nullptr, 131, 70, 131 * channels + 5, -17, -3};
-                    for (const QuadSolver* solver : {static_cast<const QuadSolver*>(&corner),
-                                                     static_cast<const QuadSolver*>(&perspective)}) {
+                    for (const QuadSolver* solver :
+                         {static_cast<const QuadSolver*>(&corner),
+                          static_cast<const QuadSolver*>(&perspective)}) {
                         const auto size = static_cast<std::size_t>(shape.rowBytes * shape.height);
                         test::GuardedBytes out(size, random() % 32);
                         WarpTarget target = shape;
@@ -101,11 +102,11 @@ TEST(WarpLoops, TakesSolversOfOthers) {
     };
     const std::uint8_t pixels[4] = {1, 2, 3, 4};
     std::uint8_t out[4] = {};
-    ASSERT_TRUE(warpPixels(Swap(), {pixels, 2, 2, 2, {}}, SampleMode::Nearest, 1,
-                           {out, 2, 2, 2, 0, 0}));
+    ASSERT_TRUE(
+        warpPixels(Swap(), {pixels, 2, 2, 2, {}}, SampleMode::Nearest, 1, {out, 2, 2, 2, 0, 0}));
     EXPECT_EQ(std::vector<std::uint8_t>(out, out + 4), (std::vector<std::uint8_t>{1, 3, 2, 4}));
-    EXPECT_FALSE(warpPixels(Swap(), {pixels, 2, 2, 2, {}}, SampleMode::Nearest, 2,
-                            {out, 1, 1, 2, 0, 0}));
+    EXPECT_FALSE(
+        warpPixels(Swap(), {pixels, 2, 2, 2, {}}, SampleMode::Nearest, 2, {out, 1, 1, 2, 0, 0}));
     EXPECT_FALSE(warpPixels(Swap(), {}, SampleMode::Nearest, 1, {out, 2, 2, 2, 0, 0}));
 }
 
