@@ -6,7 +6,8 @@
 #include "bridge/gdi_plus_session.h"
 #include "bridge/request_record.h"
 #include "brushwork/host_call_table.h"
-#include "foundation/files/file.h"
+#include "platform/file_calls.h"
+#include "platform/process_limits.h"
 
 namespace brushwork {
 
@@ -32,6 +33,25 @@ bool runCommand(const RequestRecord& request, RequestRecord& response) {
     return true;
 }
 
+// The pixels of an answer that nobody has got yet. They go unless the answer is left.
+class UndeliveredPixels {
+  public:
+    explicit UndeliveredPixels(const RequestRecord& response) : response_(response) {}
+    UndeliveredPixels(const UndeliveredPixels&) = delete;
+    UndeliveredPixels& operator=(const UndeliveredPixels&) = delete;
+    ~UndeliveredPixels() {
+        const std::u16string_view path = fieldText(response_.pixelsPath);
+        if (path.empty()) return;
+        if (!delivered_) static_cast<void>(platform::unlinkFile(path));
+        platform::dropPartialFile(path);
+    }
+    void deliver() { delivered_ = true; }
+
+  private:
+    const RequestRecord& response_;
+    bool delivered_ = false;
+};
+
 int serve(const std::vector<std::u16string>& arguments) {
     GdiPlusSession::start();
     clearHostCallTable();
@@ -39,11 +59,9 @@ int serve(const std::vector<std::u16string>& arguments) {
     RequestRecord request;
     RequestRecord response;
     if (!readRecord(requestPath, request)) return bridgeFailed;
+    UndeliveredPixels pixels(response);
     if (!runCommand(request, response)) return bridgeFailed;
-    // Nobody will ever hear of the pixels if the answer can't be left.
-    if (!writeRecord(znString::IString(fieldText(request.responsePath)), response) &&
-        response.pixelsPath[0] != u'\0')
-        static_cast<void>(znOS::File::remove(znString::IString(fieldText(response.pixelsPath))));
+    if (writeRecord(znString::IString(fieldText(request.responsePath)), response)) pixels.deliver();
     GdiPlusSession::stop();
     return bridgeAnswered;
 }

@@ -24,6 +24,7 @@ void setResolution(const ImageFileParams& params, platform::EncodeRequest& encod
     }
     constexpr double largest = std::numeric_limits<float>::max();
     if (!(x > 0.0) || !(y > 0.0) || x > largest || y > largest) return;
+    encode.hasResolution = true;
     encode.xResolution = static_cast<float>(x);
     encode.yResolution = static_cast<float>(y);
 }

@@ -78,7 +78,6 @@ bool RawPixelWriter::flush() {
 
 bool RawPixelWriter::finish() {
     if (!flush() || !file_.close()) return false;
-    platform::dropPartialFile(path_);
     path_.clear();
     return true;
 }

@@ -23,7 +23,8 @@ namespace brushwork {
 
 // Writes a new file of four channels. Rows may come in any order and are gathered into blocks;
 // what never comes stays zero. Until finish() has answered true the file is removed with the
-// object.
+// object. It stays noted as a partial file until whoever tells its reader drops that note
+// (platform::dropPartialFile).
 class RawPixelWriter final : public platform::RowSink {
   public:
     RawPixelWriter() = default;

@@ -3,6 +3,7 @@
 #include "bridge/exchange_name.h"
 #include "foundation/files/file.h"
 #include "platform/process_calls.h"
+#include "platform/process_limits.h"
 
 namespace brushwork {
 
@@ -37,7 +38,9 @@ bool spawnBridge(const RequestRecord& request, RequestRecord& response, SpawnRep
     const znString::IString requestPath = exchangeFileName();
     if (requestPath.isEmpty()) return false;
     bool answered = false;
-    if (writeRecord(requestPath, request)) {
+    platform::notePartialFile(requestPath.view());
+    told.requestWritten = writeRecord(requestPath, request);
+    if (told.requestWritten) {
         const auto run =
             platform::runProcess(program.view(), {u"/file", std::u16string(requestPath.view())});
         told.started = run.started;
@@ -48,6 +51,7 @@ bool spawnBridge(const RequestRecord& request, RequestRecord& response, SpawnRep
                    (!wantsEcho(request) || echoes(request.params, response.params));
     }
     static_cast<void>(znOS::File::remove(requestPath));
+    platform::dropPartialFile(requestPath.view());
     return answered;
 }
 

@@ -8,6 +8,7 @@ namespace brushwork {
 // What happened beside the yes or no, for callers that tell a person.
 struct SpawnReport {
     bool helperFound = false;
+    bool requestWritten = false;
     bool started = false;
     std::int32_t exitValue = 0;
     double cpuSeconds = 0.0;  // processor time of the helper

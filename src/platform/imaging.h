@@ -115,6 +115,8 @@ struct EncodeRequest {
     std::optional<std::int32_t> quality;  // 0 to 100, used by JPEG alone
     float xResolution = 96.0F;            // dots per inch, above 0
     float yResolution = 96.0F;
+    // Both were asked for. If not, a format or platform may keep a default of its own.
+    bool hasResolution = false;
 };
 
 class ImagingService {

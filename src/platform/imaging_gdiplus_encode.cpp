@@ -72,8 +72,8 @@ class PartialFile {
 
 ImagingStatus save(Bitmap* bitmap, const std::wstring& path, const EncoderRecord& encoder,
                    const EncodeRequest& request) {
-    const bool told = request.quality.has_value() && encoder.formatId == imageFormatJpeg;
-    if (!told) return GdipSaveImageToFile(bitmap, path.c_str(), &encoder.classId, nullptr);
+    if (!request.quality)
+        return GdipSaveImageToFile(bitmap, path.c_str(), &encoder.classId, nullptr);
     std::int32_t quality = *request.quality;
     EncoderParameters parameters;
     parameters.parameter.id = encoderQuality;
@@ -120,9 +120,10 @@ ImagingStatus encodeFile(std::u16string_view path, const EncoderRecord& encoder,
     BitmapOwner bitmap;
     ImagingStatus status = encoder.formatId == imageFormatGif ? makePaletteBitmap(request, bitmap)
                                                               : makeTrueColour(request, bitmap);
-    if (status == ImagingStatus::Ok && request.xResolution > 0.0F && request.yResolution > 0.0F)
-        status = GdipBitmapSetResolution(bitmap.get(), request.xResolution, request.yResolution);
     if (status != ImagingStatus::Ok) return status;
+    // A resolution that the platform refuses is no reason to lose the picture.
+    if (request.hasResolution)
+        (void)GdipBitmapSetResolution(bitmap.get(), request.xResolution, request.yResolution);
     return saveBeside(bitmap.get(), toWide(path), encoder, request);
 }
 

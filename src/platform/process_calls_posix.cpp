@@ -9,6 +9,7 @@
 #include <climits>
 
 #include "platform/process_calls.h"
+#include "platform/process_limits.h"
 #include "platform/text_codec.h"
 
 extern char** environ;
@@ -59,9 +60,17 @@ ProcessResult runProcess(std::u16string_view program,
         return result;
     int status = 0;
     struct rusage usage {};
-    while (::wait4(child, &status, 0, &usage) < 0)
-        if (errno != EINTR) return result;
     result.started = true;
+    noteRunningChild(child);
+    bool ended = true;
+    while (::wait4(child, &status, 0, &usage) < 0) {
+        if (errno == EINTR) continue;
+        // Whoever started us has signals of ended children ignored: how ours ended stays unknown.
+        ended = false;
+        break;
+    }
+    noteRunningChild(0);
+    if (!ended) return result;
     result.cpuSeconds = seconds(usage.ru_utime) + seconds(usage.ru_stime);
     if (WIFEXITED(status)) {
         const int value = WEXITSTATUS(status);

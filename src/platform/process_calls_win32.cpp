@@ -82,6 +82,16 @@ class StandardStreams {
     LPPROC_THREAD_ATTRIBUTE_LIST list_ = nullptr;
 };
 
+double processorSeconds(HANDLE process) {
+    FILETIME begun{}, ended{}, inside{}, outside{};
+    if (!::GetProcessTimes(process, &begun, &ended, &inside, &outside)) return 0.0;
+    const auto seconds = [](const FILETIME& time) {
+        const std::uint64_t ticks = std::uint64_t{time.dwHighDateTime} << 32 | time.dwLowDateTime;
+        return static_cast<double>(ticks) * 1e-7;
+    };
+    return seconds(inside) + seconds(outside);
+}
+
 }  // namespace
 
 std::vector<std::u16string> processArguments(int, char**) {
@@ -143,6 +153,7 @@ ProcessResult runProcess(std::u16string_view program,
         !::GetExitCodeProcess(process.get(), &value))
         return result;
     result.started = true;
+    result.cpuSeconds = processorSeconds(process.get());
     result.exitValue = static_cast<std::int32_t>(value);
     return result;
 }

@@ -13,13 +13,27 @@ struct ProcessLimits {
     bool confine = true;             // no new programs or processes, no network
 };
 
+// What happens to the process after its partial files are gone.
+enum class AfterCleanUp {
+    EndWithFailure,  // it ends with -1
+    EndBySignal,     // it ends as the signal would have ended it
+};
+
+// From now on a signal that ends the process has noted files removed and a noted child told to end
+// first. Writing to a closed pipe or beyond a file size limit becomes an ordinary failure.
+void cleanUpOnSignals(AfterCleanUp after);
+
 // Takes hold for the rest of the process's life. What the system can't do is left out: a limit
-// here is a second wall behind the checks of the decoders, not the first.
+// here is a second wall behind the checks of the decoders, not the first. A limit that was there
+// and is lower stays. Signals clean up as by cleanUpOnSignals(EndWithFailure).
 void applyProcessLimits(const ProcessLimits& limits);
 
 // Names a file that must not survive if the process is ended by a signal or by its time limit
-// before the matching dropPartialFile. A few can be named at once; more are ignored.
+// before the matching dropPartialFile. Eight can be named at once; more are ignored.
 void notePartialFile(std::u16string_view path);
 void dropPartialFile(std::u16string_view path);
+
+// The process that this one waits for, by the system's number; 0 for none.
+void noteRunningChild(std::int64_t process);
 
 }  // namespace brushwork::platform

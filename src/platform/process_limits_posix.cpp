@@ -8,7 +8,9 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
+#include <atomic>
 #include <cerrno>
 #include <climits>
 #include <csignal>
@@ -32,16 +34,22 @@ constexpr bool sanitized = false;
 constexpr int failureExit = 255;
 
 // Read by a signal handler: fixed storage, and a slot's first byte is written last.
-std::array<std::array<char, PATH_MAX>, 4> partialFiles{};
+std::array<std::array<char, PATH_MAX>, 8> partialFiles{};
+std::atomic<pid_t> runningChild{0};
+volatile std::sig_atomic_t endBySignal = 0;
 
 void removePartialFiles() {
     for (const auto& path : partialFiles)
         if (path[0] != '\0') ::unlink(path.data());
 }
 
-void endAfterCleanUp(int) {
+void endAfterCleanUp(int signal) {
+    const pid_t child = runningChild.load();
+    if (child > 0) ::kill(child, SIGTERM);
     removePartialFiles();
-    ::_exit(failureExit);
+    if (endBySignal == 0) ::_exit(failureExit);
+    std::signal(signal, SIG_DFL);
+    ::raise(signal);
 }
 
 void cleanUpAndCrash(int signal) {
@@ -53,8 +61,9 @@ void cleanUpAndCrash(int signal) {
 void handleSignals() {
     struct sigaction action {};
     action.sa_handler = endAfterCleanUp;
-    for (const int signal : {SIGXCPU, SIGTERM, SIGINT, SIGHUP})
+    for (const int signal : {SIGXCPU, SIGTERM, SIGINT, SIGHUP, SIGQUIT, SIGALRM, SIGUSR1, SIGUSR2})
         ::sigaction(signal, &action, nullptr);
+    for (const int signal : {SIGPIPE, SIGXFSZ}) std::signal(signal, SIG_IGN);
     if (sanitized) return;
     action.sa_handler = cleanUpAndCrash;
     action.sa_flags = static_cast<int>(SA_RESETHAND);
@@ -62,14 +71,11 @@ void handleSignals() {
         ::sigaction(signal, &action, nullptr);
 }
 
+// RLIM_INFINITY is the largest value.
 void setLimit(__rlimit_resource resource, rlim_t soft, rlim_t hard) {
     struct rlimit limit {};
     if (::getrlimit(resource, &limit) != 0) return;
-    if (limit.rlim_max != RLIM_INFINITY) {
-        soft = std::min(soft, limit.rlim_max);
-        hard = std::min(hard, limit.rlim_max);
-    }
-    limit = {soft, hard};
+    limit = {std::min(soft, limit.rlim_cur), std::min(hard, limit.rlim_max)};
     ::setrlimit(resource, &limit);
 }
 
@@ -83,11 +89,28 @@ constexpr unsigned auditArchitecture = 0;
 
 // System calls that answer "not permitted" from now on. Threads may still be made through clone.
 constexpr long deniedCalls[] = {
-    __NR_execve,  __NR_execveat, __NR_socket,           __NR_socketpair,
-    __NR_connect, __NR_bind,     __NR_listen,           __NR_accept,
-    __NR_accept4, __NR_ptrace,   __NR_process_vm_readv, __NR_process_vm_writev,
+    __NR_execve,
+    __NR_execveat,
+    __NR_socket,
+    __NR_socketpair,
+    __NR_connect,
+    __NR_bind,
+    __NR_listen,
+    __NR_accept,
+    __NR_accept4,
+    __NR_ptrace,
+    __NR_process_vm_readv,
+    __NR_process_vm_writev,
+    __NR_kill,
+    __NR_bpf,
+    __NR_pidfd_open,
+    __NR_pidfd_send_signal,
+    __NR_io_uring_setup,
+    __NR_io_uring_enter,
+    __NR_io_uring_register,
 #if defined(__NR_fork)
-    __NR_fork,    __NR_vfork,
+    __NR_fork,
+    __NR_vfork,
 #endif
 };
 
@@ -131,8 +154,17 @@ void confineSystemCalls() {
 
 }  // namespace
 
-void applyProcessLimits(const ProcessLimits& limits) {
+void cleanUpOnSignals(AfterCleanUp after) {
+    endBySignal = after == AfterCleanUp::EndBySignal ? 1 : 0;
     handleSignals();
+}
+
+void noteRunningChild(std::int64_t process) {
+    runningChild = static_cast<pid_t>(process);
+}
+
+void applyProcessLimits(const ProcessLimits& limits) {
+    cleanUpOnSignals(AfterCleanUp::EndWithFailure);
     setLimit(RLIMIT_CORE, 0, 0);
     if (limits.cpuSeconds != 0)
         setLimit(RLIMIT_CPU, limits.cpuSeconds, rlim_t{limits.cpuSeconds} + 5);

@@ -169,8 +169,15 @@ void enterJob(const ProcessLimits& limits) {
 
 }  // namespace
 
-void applyProcessLimits(const ProcessLimits& limits) {
+void cleanUpOnSignals(AfterCleanUp) {
     handleEnds();
+}
+
+// A console tells every process in it of its end, children included.
+void noteRunningChild(std::int64_t) {}
+
+void applyProcessLimits(const ProcessLimits& limits) {
+    cleanUpOnSignals(AfterCleanUp::EndWithFailure);
     if (limits.cpuSeconds != 0) startWatching(limits.cpuSeconds);
     enterJob(limits);
 }

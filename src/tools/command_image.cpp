@@ -141,9 +141,11 @@ int runConvert(const ConvertOptions& options) {
     if (const auto failure = picture.straighten()) return fail(*failure);
     if (const auto failure = savePicture(picture, options.output, save)) return fail(*failure);
     if (options.json) {
-        Json json = toJson(options.output, picture.facts());
-        json["format"] = save.format;
-        if (save.dotsPerInch) json["xResolution"] = json["yResolution"] = *save.dotsPerInch;
+        // What the file says of itself: formats round resolutions, or have none.
+        PictureFacts written;
+        if (const auto failure = readPictureSize(options.output, written)) return fail(*failure);
+        written.format = save.format;
+        Json json = toJson(options.output, written);
         json["input"] = options.input;
         std::printf("%s\n", dump(json).c_str());
     }
@@ -176,7 +178,14 @@ void addConvert(CLI::App& image, int& exitCode) {
     command
         ->add_option("--dpi", options->dotsPerInch,
                      "Resolution in dots per inch; otherwise that of IN")
-        ->check(CLI::Range(0.01, 100000.0));
+        ->check(
+            [](const std::string& text) -> std::string {
+                double value = 0.0;
+                const bool good =
+                    CLI::detail::lexical_cast(text, value) && value >= 1.0 && value <= 65535.0;
+                return good ? "" : "a resolution lies between 1 and 65535";
+            },
+            "1 - 65535");
     command->add_flag("--json", options->json, "Describe OUT as an object on standard output");
     command->footer(
         "Examples:\n"

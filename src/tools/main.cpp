@@ -2,12 +2,33 @@
 #include <CLI/CLI.hpp>
 #include <cstdio>
 #include <exception>
+#include <new>
+#include <string>
+#include <vector>
 
+#include "platform/process_limits.h"
 #include "tools/command_image.h"
 #include "tools/exit_codes.h"
 
+namespace {
+
+// The arguments in the order that the parser takes them, last first. It would read "[a,b]" as a
+// list, but here it can only be a file's name.
+std::vector<std::string> literalArguments(int argc, char** argv) {
+    std::vector<std::string> arguments;
+    for (int i = argc - 1; i > 0; --i) {
+        arguments.emplace_back(argv[i]);
+        if (arguments.back().starts_with('[')) arguments.back().insert(0, "./");
+    }
+    return arguments;
+}
+
+}  // namespace
+
 int main(int argc, char** argv) {
+    using namespace brushwork;
     using namespace brushwork::tools;
+    platform::cleanUpOnSignals(platform::AfterCleanUp::EndBySignal);
     int exitCode = ExitDone;
     try {
         CLI::App program{"Brushwork: a paint engine and its picture helper"};
@@ -22,9 +43,9 @@ int main(int argc, char** argv) {
             "  brushwork image convert photo.jpg photo.png");
         addImageCommand(program, exitCode);
         try {
-            program.parse(argc, argv);
+            program.parse(literalArguments(argc, argv));
         } catch (const CLI::ParseError& error) {
-            return program.exit(error) == 0 ? ExitDone : ExitUsage;
+            exitCode = program.exit(error) == 0 ? ExitDone : ExitUsage;
         }
     } catch (const std::bad_alloc&) {
         std::fputs("brushwork: out of memory\n", stderr);
@@ -34,6 +55,7 @@ int main(int argc, char** argv) {
         return ExitFailed;
     }
     // Output that never reached its reader is a failure.
-    if (std::fflush(stdout) != 0 && exitCode == ExitDone) exitCode = ExitInputOutput;
+    const bool lost = std::fflush(stdout) != 0 || std::ferror(stdout) != 0;
+    if (lost && exitCode == ExitDone) exitCode = ExitInputOutput;
     return exitCode;
 }

@@ -1,14 +1,17 @@
 #include "tools/picture_exchange.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <vector>
 
 #include "bridge/exchange_name.h"
 #include "bridge/pixel_order.h"
 #include "bridge/raw_pixel_file.h"
 #include "bridge/spawn_bridge.h"
+#include "brushwork/filename.h"
 #include "foundation/files/file.h"
 #include "foundation/services/settings.h"
+#include "platform/process_limits.h"
 #include "platform/swap_io.h"
 
 namespace brushwork::tools {
@@ -21,13 +24,16 @@ using znString::IString;
 class Exchange {
   public:
     explicit Exchange(std::u16string_view command) : responsePath_(exchangeFileName()) {
+        platform::notePartialFile(responsePath_.view());
         ready_ = !responsePath_.isEmpty() && request.setCommand(IString(command)) &&
                  request.setResponsePath(responsePath_);
     }
     Exchange(const Exchange&) = delete;
     Exchange& operator=(const Exchange&) = delete;
     ~Exchange() {
-        if (!responsePath_.isEmpty()) static_cast<void>(znOS::File::remove(responsePath_));
+        if (responsePath_.isEmpty()) return;
+        static_cast<void>(znOS::File::remove(responsePath_));
+        platform::dropPartialFile(responsePath_.view());
     }
 
     bool run() { return ready_ && spawnBridge(request, response, &report); }
@@ -38,6 +44,8 @@ class Exchange {
             return Failure{ExitInputOutput, "no file can be made in the temporary directory"};
         if (!report.helperFound)
             return Failure{ExitFailed, "the helper is missing: " + bridgeProgramPath().toUtf8()};
+        if (!report.requestWritten)
+            return Failure{ExitInputOutput, "the temporary directory can't be written"};
         if (!report.started) return Failure{ExitFailed, "the helper can't be started"};
         return std::nullopt;
     }
@@ -67,10 +75,21 @@ PictureFacts factsOf(const RequestRecord& response) {
             IString(fieldText(response.format)).toUtf8()};
 }
 
+// The system ends a process a little before the account of its time shows the whole limit.
 bool outOfTime(const SpawnReport& report) {
+    constexpr double accountLag = 0.1;
     const std::uint32_t limit = bridgeSettings().cpuSeconds;
-    return limit != 0 && report.cpuSeconds >= limit;
+    return limit != 0 && report.cpuSeconds + accountLag >= limit;
 }
+
+bool temporarySpaceFor(std::uint64_t bytes) {
+    std::error_code failed;
+    const auto space = std::filesystem::space(znOS::Filename::temporaryDirectory().view(), failed);
+    return failed || space.available >= bytes;
+}
+
+// Below this the helper can hardly read a header.
+constexpr std::uint64_t leastAddressSpace = std::uint64_t{32} << 20;
 
 // The helper gives no reason. What its limits are and how large the picture says it is tells
 // whether one of them stood in the way.
@@ -85,6 +104,12 @@ Failure openFailure(const std::string& path, const SpawnReport& report) {
             return {ExitLimit, path + ": " + size + " is over the limit for pixel files"};
         if (limits.addressSpace != 0 && *bytes > limits.addressSpace)
             return {ExitLimit, path + ": " + size + " needs more memory than allowed"};
+        if (!temporarySpaceFor(*bytes))
+            return {ExitInputOutput,
+                    path + ": no room for " + size + " in the temporary directory"};
+    } else if (const auto limit = bridgeSettings().addressSpace;
+               limit != 0 && limit < leastAddressSpace) {
+        return {ExitLimit, path + ": the helper's memory limit leaves no room to work"};
     }
     return {ExitBadInput, path + ": not a picture that can be read, or damaged"};
 }
@@ -103,7 +128,9 @@ std::optional<Failure> readPictureSize(const std::string& path, PictureFacts& fa
 }
 
 OpenedPicture::~OpenedPicture() {
-    if (!pixelsPath_.isEmpty()) static_cast<void>(znOS::File::remove(pixelsPath_));
+    if (pixelsPath_.isEmpty()) return;
+    static_cast<void>(znOS::File::remove(pixelsPath_));
+    platform::dropPartialFile(pixelsPath_.view());
 }
 
 std::optional<Failure> OpenedPicture::open(const std::string& path) {
@@ -115,6 +142,7 @@ std::optional<Failure> OpenedPicture::open(const std::string& path) {
     }
     facts_ = factsOf(exchange.response);
     pixelsPath_ = IString(fieldText(exchange.response.pixelsPath));
+    platform::notePartialFile(pixelsPath_.view());
     return std::nullopt;
 }
 

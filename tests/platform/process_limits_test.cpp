@@ -3,7 +3,9 @@
 
 #include <gtest/gtest.h>
 #include <signal.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -13,6 +15,7 @@
 #include <functional>
 #include <thread>
 
+#include "platform/swap_io.h"
 #include "platform/text_codec.h"
 #include "support/scratch_directory.h"
 
@@ -42,6 +45,7 @@ TEST(ProcessLimits, TakeAwayProcessesAndTheNetworkButNotThreads) {
     const int status = inChild([] {
         applyProcessLimits({0, 0, true});
         if (::fork() != -1 || errno != EPERM) return 2;
+        if (::syscall(__NR_io_uring_setup, 1, nullptr) != -1 || errno != EPERM) return 6;
         if (::socket(AF_INET, SOCK_STREAM, 0) != -1 || errno != EPERM) return 3;
         char name[] = "/bin/true";
         char* const arguments[] = {name, nullptr};
@@ -97,6 +101,23 @@ TEST(ProcessLimits, PartialFilesGoWhenTheProcessIsEnded) {
                       ::kill(process, SIGTERM);
                   }),
           "terminated");
+}
+
+// The host's own, lower limits stay; writing beyond one of them fails like a full disk.
+TEST(ProcessLimits, LowerLimitsOfTheHostStay) {
+    const ScratchDirectory scratch;
+    const int status = inChild([&] {
+        rlimit time{7, RLIM_INFINITY};
+        rlimit size{4096, RLIM_INFINITY};
+        if (::setrlimit(RLIMIT_CPU, &time) != 0 || ::setrlimit(RLIMIT_FSIZE, &size) != 0) return 2;
+        applyProcessLimits({0, 300, false});
+        if (::getrlimit(RLIMIT_CPU, &time) != 0 || time.rlim_cur != 7) return 3;
+        PositionedFile file;
+        if (!file.open(scratch.name("file"), PositionedFile::Mode::CreateNew)) return 4;
+        return file.writeAt(8192, "x", 1) ? 5 : 0;
+    });
+    EXPECT_TRUE(WIFEXITED(status));
+    EXPECT_EQ(WEXITSTATUS(status), 0);
 }
 
 }  // namespace

@@ -101,6 +101,57 @@ TEST(CommandImage, ConvertTakesFormatQualityAndResolution) {
     EXPECT_LT(small * 2, readBytes(out).size());
 }
 
+TEST(CommandImage, OutOfTimeIsALimit) {
+    TempFolder folder;
+    // 25 megapixels of noise take seconds to reduce to 256 colours.
+    const std::int32_t side = 5000;
+    std::vector<std::uint8_t> bmp(54 + std::size_t{3} * side * side);
+    const auto put = [&](std::size_t at, std::uint32_t value) {
+        for (int i = 0; i < 4; ++i) bmp[at + std::size_t(i)] = std::uint8_t(value >> (8 * i));
+    };
+    bmp[0] = 'B';
+    bmp[1] = 'M';
+    put(2, std::uint32_t(bmp.size()));
+    put(10, 54);
+    put(14, 40);
+    put(18, side);
+    put(22, side);
+    put(26, 1 | 24 << 16);
+    std::uint32_t noise = 1;
+    for (std::size_t i = 54; i < bmp.size(); ++i) {
+        noise = noise * 1664525U + 1013904223U;
+        bmp[i] = std::uint8_t(noise >> 24);
+    }
+    test::writeBytes(folder.file("noise.bmp"), bmp);
+    const std::string arguments =
+        "image convert '" + folder.file("noise.bmp") + "' '" + folder.file("noise.gif") + "'";
+    const auto outcome = brushwork(folder, arguments, "INKATELIER_BRIDGE_CPU_SECONDS=1");
+    EXPECT_EQ(outcome.exitCode, 5) << outcome.err;
+    EXPECT_FALSE(std::filesystem::exists(folder.file("noise.gif")));
+    EXPECT_TRUE(folder.leftovers().empty());
+}
+
+TEST(CommandImage, LostOutputIsAFailure) {
+    TempFolder folder;
+    std::string many;
+    for (int i = 0; i < 60; ++i) many += " " + picture("tiny-7x5.jpg");
+    for (const std::string& arguments :
+         {std::string("--help"), "image info --json" + many, "image info" + many}) {
+        const std::string command =
+            "'" + std::string(BRUSHWORK_PROGRAM) + "' " + arguments + " >/dev/full 2>/dev/null";
+        EXPECT_EQ(WEXITSTATUS(std::system(command.c_str())), 4) << arguments;
+    }
+}
+
+// Whoever starts the program may have it ignore the ends of its children.
+TEST(CommandImage, WorksWhereEndedChildrenAreIgnored) {
+    TempFolder folder;
+    const std::string command = "trap '' CHLD; exec '" + std::string(BRUSHWORK_PROGRAM) +
+                                "' image info " + picture("tiny-7x5.jpg") + " >/dev/null";
+    EXPECT_EQ(WEXITSTATUS(std::system(("bash -c \"" + command + "\"").c_str())), 0);
+    EXPECT_TRUE(folder.leftovers().empty());
+}
+
 TEST(CommandImage, ExitCodesSayWhatWentWrong) {
     TempFolder folder;
     const std::string rocket = picture("rocket.jpg");
@@ -130,6 +181,8 @@ TEST(CommandImage, ExitCodesSayWhatWentWrong) {
     EXPECT_EQ(code("image convert " + rocket + " '" + folder.file("no/such/x.png") + "'"), 4);
     EXPECT_EQ(code("image info " + rocket, "INKATELIER_BRIDGE_PIXELS_MIB=1"), 5);
     EXPECT_EQ(code("image info " + rocket, "TMPDIR=/no/such/folder"), 4);
+    EXPECT_EQ(code("image convert " + rocket + " x.png --dpi nan"), 2);
+    EXPECT_EQ(code("image info '[a,b]'"), 4) << "one file of that name, not two";
     EXPECT_TRUE(folder.leftovers().empty());
 }
 

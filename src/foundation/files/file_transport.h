@@ -18,7 +18,8 @@ class FileTransport : public IOStream {
     [[nodiscard]] virtual znUtil::Error openUnique(int mode);
     virtual znUtil::Error close() = 0;
     [[nodiscard]] virtual znUtil::Error makeDirectory() = 0;
-    // Makes a directory of a random name where this path lies; the path becomes its name.
+    // Makes a directory of a random name beside this path, in the temporary directory for a path
+    // without a directory of its own; the path becomes its name.
     [[nodiscard]] virtual znUtil::Error makeUniqueDirectory();
     // Makes the directory and those above it that are missing.
     [[nodiscard]] virtual znUtil::Error makeDirectoryPath();
@@ -28,7 +29,8 @@ class FileTransport : public IOStream {
                                              bool namesOnly) = 0;
     // Copies a file, or a directory with all it holds. An existing file is overwritten.
     [[nodiscard]] virtual znUtil::Error copyTo(FileTransport& target);
-    // Copies, then removes what was copied.
+    // Copies, then removes the source: a directory that isn't empty stays, with
+    // DirectoryNotEmpty.
     [[nodiscard]] virtual znUtil::Error moveTo(FileTransport& target);
     // Deletes a file, or an empty directory.
     virtual znUtil::Error remove() = 0;

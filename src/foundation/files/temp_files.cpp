@@ -78,14 +78,17 @@ Filename Filename::temporaryNameIn(const IString& directory, const IString& exte
 }
 
 int Filename::sweepDirectory(const IString& directory) {
-    std::vector<IString> entries;
-    if (File(directory).list(entries).failed()) return 0;
-    const bool ended = directory.endsWith(std::u16string(1, defaultSeparator()));
-    const std::size_t offset = directory.length() + (ended ? 0 : 1);
+    File folder(directory);
+    std::vector<IString> names;
+    if (folder.list(names, true).failed()) return 0;
+    IString start = folder.path();
+    if (!start.endsWith(std::u16string(1, defaultSeparator()))) start.append(defaultSeparator());
     const std::int64_t now = platform::fileClock();
     int deleted = 0;
-    for (const IString& path : entries) {
-        if (!isSweptName(path.view().substr(offset)) || !isStale(path, now)) continue;
+    for (const IString& name : names) {
+        IString path = start;
+        path.append(name.view());
+        if (!isSweptName(name.view()) || !isStale(path, now)) continue;
         if (!File::remove(path).failed()) ++deleted;
     }
     return deleted;

@@ -1,4 +1,4 @@
-// Every environment variable that the system reads, each read once, when it is first asked for.
+// The environment variables that set the system up, each read once, when it is first asked for.
 #pragma once
 
 #include <cstdint>
