@@ -137,7 +137,7 @@ ilPixel ilImage::fill() {
     return fill_;
 }
 
-double ilImage::minValue(std::int32_t channel) {
+double ilImage::getMinValue(std::int32_t channel) {
     reset();
     if (channel >= 0) return minValue_.channel(channel);
     double smallest = minValue_.channel(0);
@@ -147,7 +147,7 @@ double ilImage::minValue(std::int32_t channel) {
     return smallest;
 }
 
-double ilImage::maxValue(std::int32_t channel) {
+double ilImage::getMaxValue(std::int32_t channel) {
     reset();
     if (channel >= 0) return maxValue_.channel(channel);
     double largest = maxValue_.channel(0);

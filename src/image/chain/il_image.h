@@ -122,8 +122,8 @@ class ilImage : public ilLink {
     [[nodiscard]] ilXYZCstruct<std::int32_t> pageBorder();  // c unused
     [[nodiscard]] ilPixel fill();
     // One channel, or for a negative channel the smallest or largest of all.
-    [[nodiscard]] double minValue(std::int32_t channel = -1);
-    [[nodiscard]] double maxValue(std::int32_t channel = -1);
+    [[nodiscard]] double getMinValue(std::int32_t channel = -1);
+    [[nodiscard]] double getMaxValue(std::int32_t channel = -1);
     [[nodiscard]] double scaleMin();
     [[nodiscard]] double scaleMax();
     [[nodiscard]] std::int32_t maxParents() const { return maxParents_; }

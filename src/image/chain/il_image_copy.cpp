@@ -85,6 +85,8 @@ std::int32_t transfer(const Side& source, const Side& target, std::int32_t type,
     const ilTile& box = source.box;
     const ImageBuffer read(blockBytes(type, box.nx, box.ny, box.nz, count));
     if (!read.data()) return ImageUnusable;
+    // A class that answers a read without pixels must not hand on what lay in memory before.
+    std::memset(read.data(), 0, read.bytes());
     const ilImageConfig readConfig = bufferConfig(type, order, source.channels);
     const std::int32_t readResult = source.image.readRegion(box, read.data(), box, &readConfig);
     if (isFailure(readResult)) return readResult;

@@ -87,7 +87,18 @@ std::int32_t ilImage::setFill(const ilPixel& pixel) {
 }
 
 std::int32_t ilImage::setFillChannel(double value, std::int32_t channel) {
-    return setChannelOf(fill_, value, channel, AlteredFill);
+    if ((allowedFlags_ & AlteredFill) == 0) return ImageNotAllowed;
+    reset();
+    // A value that the type cuts to the stored one still counts as a change.
+    const bool held = channel >= 0 && channel < fill_.channels();
+    if (held && fill_.channel(channel) == value) {
+        setFlags_ |= AlteredFill;
+        return ImageOk;
+    }
+    ilPixel changed = fill_;
+    if (!changed.setChannel(channel, value)) return ImageNotAllowed;
+    fill_ = changed;
+    return setAltered(AlteredFill);
 }
 
 std::int32_t ilImage::setMinValue(const ilPixel& pixel) {

@@ -18,8 +18,8 @@ void ilImage::update() {
     adaptFill();
     if (!isSetByClient(AlteredScale)) {
         // Bit 31 is up while this runs, so the getters answer at once.
-        scaleMin_ = minValue();
-        scaleMax_ = maxValue();
+        scaleMin_ = getMinValue();
+        scaleMax_ = getMaxValue();
     }
     ilLink::update();
 }

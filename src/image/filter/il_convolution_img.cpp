@@ -52,7 +52,7 @@ const ClassDescriptor& ilConvolutionImg::classDescriptor() const {
 }
 
 std::int32_t ilConvolutionImg::convolve(const ConvolutionKernel& kernel) {
-    if (reset() != ImageOk) return status();
+    if (const auto result = beginOperation()) return result;
     const std::size_t bytes = byteSize();
     std::int32_t result = ImageOk;
     if (!data_ || bytes == 0) {

@@ -1,5 +1,6 @@
 #include "image/work/il_const_img.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstring>
 #include <vector>
@@ -105,7 +106,13 @@ std::int32_t ilConstImg::readRegion(const ilTile& box, void* buffer, const ilTil
         for (std::int32_t n = 0; n < wanted.channels; ++n) map.push_back(wanted.channelAt(n));
     const PixelBlock target =
         PixelBlock::packed(buffer, frame, wanted.dataType, wanted.order, wanted.channels);
-    convertBlock(PixelBlock::ofConstant(fill_, box), target, box,
+    // In the wanted type first, by the rules of single pixels, if one can hold it.
+    const std::int32_t count = std::max(wanted.channels, fill_.channels());
+    const bool retyped =
+        wanted.dataType != fill_.type() &&
+        bufferBytes(wanted.dataType, static_cast<std::size_t>(count)) <= ilPixel::capacity;
+    const ilPixel value = retyped ? fill_.converted(wanted.dataType, count) : fill_;
+    convertBlock(PixelBlock::ofConstant(value, box), target, box,
                  {map.empty() ? nullptr : map.data(), wanted.channels});
     return ImageOk;
 }

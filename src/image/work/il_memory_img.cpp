@@ -229,10 +229,11 @@ std::int32_t ilMemoryImg::copyRegion(const ilTile& box, ilImage& other, std::int
                                      CopyDirection direction) {
     if (const auto result = beginOperation()) return result;
     // The pixels lie in this image's own layout; a config that asks for another number of channels
-    // or another space needs a buffer in between.
+    // or another space needs a buffer in between, and so does an image that stands otherwise.
     const bool fits = !config || ((config->channels < 1 || config->channels == channels_) &&
                                   (config->coordSpace == 0 || config->coordSpace == coordSpace_));
-    if (!fits || &other == this || needsConversion(other, config))
+    const bool sameSpace = other.coordSpace() == coordSpace_;
+    if (!fits || !sameSpace || &other == this || needsConversion(other, config))
         return ilSIDImage::copyRegion(box, other, ox, oy, oz, config, direction);
     ilImageConfig merged(dataType_, order_, channels_);
     merged.coordSpace = coordSpace_;

@@ -88,7 +88,8 @@ std::int32_t ilPatternImg::fillRegion(const ilTile&, const ilPixel&, const ilIma
 
 std::int32_t ilPatternImg::setPattern(ilImage* source) {
     auto* const memory = dynamic_cast<ilMemoryImg*>(source);
-    if (!memory || memory->reset() != ImageOk || !memory->data()) return ImageUnusable;
+    if (memory) memory->reset();
+    if (!memory || !memory->data()) return ImageUnusable;
     const std::int32_t width = memory->sizeX();
     const std::int32_t height = memory->sizeY();
     const std::int32_t across = pagesFor(width);

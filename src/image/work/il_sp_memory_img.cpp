@@ -18,10 +18,6 @@ constexpr std::int32_t quietWrapSize = 2000;
 
 std::atomic<std::int32_t> live{0};
 
-ilPixel zeroPixel(std::int32_t channels) {
-    return ilPixel(TypeUChar, std::clamp(channels, 1, 4));
-}
-
 bool isParallelogram(const QuadCorners& p) {
     return std::abs(p[2].x - p[1].x + p[0].x - p[3].x) < 1e-9f &&
            std::abs(p[2].y - p[1].y + p[0].y - p[3].y) < 1e-9f;
@@ -58,7 +54,6 @@ ilSPMemoryImg::ilSPMemoryImg(std::int32_t sizeX, std::int32_t sizeY, std::int32_
                              std::int32_t channels, std::int32_t dataType, std::int32_t order)
     : ilMemoryImg(sizeX, sizeY, sizeZ, channels, dataType, order) {
     colorModel_ = ColorABGR;
-    fill_ = zeroPixel(channels);
     begin(Announce::Yes);
 }
 
@@ -71,7 +66,6 @@ ilSPMemoryImg::ilSPMemoryImg(void* buffer, std::int32_t sizeX, std::int32_t size
                              std::int32_t order)
     : ilMemoryImg(buffer, sizeX, sizeY, sizeZ, channels, dataType, order) {
     colorModel_ = ColorABGR;
-    fill_ = zeroPixel(channels);
     // Wrapped buffers come and go with every page; only big ones are worth a line.
     begin(sizeX > quietWrapSize && sizeY > quietWrapSize ? Announce::Yes : Announce::No);
 }
@@ -82,6 +76,9 @@ ilSPMemoryImg::~ilSPMemoryImg() {
 }
 
 void ilSPMemoryImg::begin(Announce announce) {
+    // Four bytes of zero, whatever the image: what lies outside a 1-channel image isn't filled by a
+    // copy, since the channel counts differ.
+    fill_ = ilPixel();
     const std::int32_t count = ++live;
     if (announce == Announce::Yes)
         logAt(traceLevel, "Creating ilSPMemoryImg, Count = %d\n", static_cast<int>(count));
@@ -122,7 +119,8 @@ void ilSPMemoryImg::setCached(std::int32_t index, std::int32_t value) {
 
 SampleSource ilSPMemoryImg::sampleSource() const {
     SampleSource source{data_, sizeX_, sizeY_, std::ptrdiff_t{sizeX_} * channels_, {}};
-    std::copy_n(fill_.data(), std::size(source.fill), source.fill);
+    const ilPixel fill = fill_.converted(TypeUChar, channels_);
+    std::copy_n(fill.data(), std::size(source.fill), source.fill);
     return source;
 }
 

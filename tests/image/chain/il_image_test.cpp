@@ -93,31 +93,31 @@ TEST(IlImage, DefaultFillAndLimits) {
     EXPECT_EQ(image->fill().type(), TypeUChar);
     ASSERT_EQ(image->fill().channels(), 4);
     for (int i = 0; i < 4; ++i) EXPECT_EQ(image->fill().data()[i], 0x80);
-    EXPECT_EQ(image->minValue(), -128.0);
-    EXPECT_EQ(image->maxValue(7), 255.0);
+    EXPECT_EQ(image->getMinValue(), -128.0);
+    EXPECT_EQ(image->getMaxValue(7), 255.0);
     EXPECT_EQ(image->scaleMin(), -128.0);
 
     image->makeChannels(0);
     image->defaultLimits(false);
-    EXPECT_EQ(image->minValue(0), -128.0);
-    EXPECT_EQ(image->maxValue(0), -128.0) << "no channels, no range";
+    EXPECT_EQ(image->getMinValue(0), -128.0);
+    EXPECT_EQ(image->getMaxValue(0), -128.0) << "no channels, no range";
 
     const auto wide = makeImage(2, TypeShort);
     wide->allow(0x3FFFF);
     wide->setMinValue(-5.0, 1);
-    EXPECT_EQ(wide->minValue(0), -32768.0);
-    EXPECT_EQ(wide->minValue(1), -5.0);
-    EXPECT_EQ(wide->minValue(), -32768.0);
+    EXPECT_EQ(wide->getMinValue(0), -32768.0);
+    EXPECT_EQ(wide->getMinValue(1), -5.0);
+    EXPECT_EQ(wide->getMinValue(), -32768.0);
     wide->setMaxValue(77.0, -1);
-    EXPECT_EQ(wide->maxValue(0), 77.0);
-    EXPECT_EQ(wide->maxValue(), 77.0);
+    EXPECT_EQ(wide->getMaxValue(0), 77.0);
+    EXPECT_EQ(wide->getMaxValue(), 77.0);
     EXPECT_EQ(wide->scaleMax(), 77.0);
     wide->setScaleFromType(0);
     EXPECT_EQ(wide->scaleMax(), 32767.0);
     wide->setAltered(AlteredPixels);
     EXPECT_EQ(wide->scaleMax(), 32767.0) << "set, so it stays";
     wide->defaultLimits(true);
-    EXPECT_EQ(wide->maxValue(0), 32767.0);
+    EXPECT_EQ(wide->getMaxValue(0), 32767.0);
     EXPECT_EQ(wide->setFlags() & (AlteredMinValue | AlteredMaxValue), 0u);
 }
 

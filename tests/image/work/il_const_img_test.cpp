@@ -38,7 +38,13 @@ TEST(ilConstImg, ReadsAsTheConverterWouldFill) {
         std::vector<std::int32_t> list;
         for (int n = 0; seed % 3 == 0 && n < count; ++n)
             list.push_back(static_cast<std::int32_t>(random() % 6) - 1);
-        convertBlock(PixelBlock::ofConstant(pixel, box),
+        // A value travels as a single pixel of the wanted type, unless one is too small for it.
+        ilPixel asked = pixel;
+        if (type != pixel.type()) {
+            asked = pixel.converted(type, std::max(count, channels));
+            if (asked.channels() < std::max(count, channels)) asked = pixel;
+        }
+        convertBlock(PixelBlock::ofConstant(asked, box),
                      PixelBlock::packed(expected.data(), frame, type, order, count), box,
                      {list.empty() ? nullptr : list.data(), count});
         ilImageConfig config(type, order, count);

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <optional>
 
@@ -331,6 +332,37 @@ TEST(ilMemoryImg, ImagesWithoutPixelsRefuseEverything) {
     EXPECT_EQ(image->readRegion(one, nullptr, one), ImageUnusable);
     EXPECT_EQ(image->status(), ImageUnusable);
     EXPECT_EQ(image->readRegion(one, buffer.data(), one), ImageOk);
+}
+
+// The quick way of copying must not tell from the generic one, whatever the images' spaces: a
+// colour model that differs is what takes the generic one.
+TEST(ilMemoryImg, CopiesBetweenSpacesLikeTheGenericWay) {
+    std::mt19937 random(4711);
+    for (int round = 0; round < 400; ++round) {
+        const auto pick = [&](int low, int high) {
+            return std::uniform_int_distribution<std::int32_t>(low, high)(random);
+        };
+        const std::int32_t spaceA = pick(1, 8), spaceB = pick(1, 8);
+        const auto make = [&](std::int32_t space, std::int32_t model) {
+            const auto image = makeRef<ilMemoryImg>(6, 6, 1, 1, TypeUChar, OrderInterleaved);
+            image->setCoordSpace(space);
+            image->setColorModel(model);
+            EXPECT_EQ(image->coordSpace(), space);
+            return image;
+        };
+        const auto from = make(spaceB, ColorGreyMinIsBlack);
+        for (int i = 0; i < 36; ++i) from->data()[i] = static_cast<std::uint8_t>(i + 1);
+        const auto quick = make(spaceA, ColorGreyMinIsBlack);
+        const auto generic = make(spaceA, ColorGreyMinIsWhite);
+        for (const auto& image : {quick, generic}) std::fill_n(image->data(), 36, 200);
+        const ilTile box = flatTile(pick(0, 3), pick(0, 3), pick(1, 3), pick(1, 3));
+        const std::int32_t ox = pick(0, 3), oy = pick(0, 3);
+        quick->copyRegion(box, *from, ox, oy, 0, nullptr, CopyDirection::FromOther);
+        generic->copyRegion(box, *from, ox, oy, 0, nullptr, CopyDirection::FromOther);
+        if (spaceA == spaceB) continue;  // then models are the class's business
+        ASSERT_TRUE(std::equal(quick->data(), quick->data() + 36, generic->data()))
+            << "round " << round << ": " << spaceB << " into " << spaceA;
+    }
 }
 
 }  // namespace

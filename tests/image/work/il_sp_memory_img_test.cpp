@@ -392,5 +392,33 @@ TEST(ilSPMemoryImg, WritesABitmap) {
     EXPECT_FALSE(noise(5, 3, 1)->writeBmp(u"/nowhere/at/all.bmp"));
 }
 
+TEST(ilSPMemoryImg, OutsideIsZeroOrTheFillInWhateverFormItCame) {
+    const auto parent = makeRef<ilMemoryImg>(4, 4, 1, 4, TypeUChar, OrderInterleaved);
+    const auto linked = makeRef<ilSPMemoryImg>(parent.get());
+    std::array<std::uint8_t, 4> pixel{9, 9, 9, 9};
+    const ilTile outside = flatTile(-1, 0, 1, 1);
+    ASSERT_EQ(linked->readRegion(outside, pixel.data(), outside), ImageOk);
+    EXPECT_EQ(pixel, (std::array<std::uint8_t, 4>{}));
+
+    // A fill in another type is the same colour to a warp as to a read.
+    const auto image = makeRef<ilSPMemoryImg>(4, 4, 4);
+    std::fill_n(image->data(), image->byteSize(), std::uint8_t{50});
+    ilPixel fill(TypeDouble, 4);
+    for (int c = 0; c < 4; ++c) fill.setChannel(c, 200 + c);
+    ASSERT_EQ(image->setFill(fill), ImageOk);
+    const auto target = makeRef<ilSPMemoryImg>(6, 6, 4);
+    std::fill_n(target->data(), target->byteSize(), std::uint8_t{1});
+    image->setSampleModes(SampleMode::Nearest, SampleMode::Nearest);
+    image->warpInto({{{0.5f, 0.5f}, {4.5f, 0.5f}, {4.5f, 4.5f}, {0.5f, 4.5f}}}, target.get());
+    ASSERT_EQ(image->readRegion(outside, pixel.data(), outside), ImageOk);
+    EXPECT_EQ(pixel, (std::array<std::uint8_t, 4>{200, 201, 202, 203}));
+    // Whatever a warp reads is a pixel of the image or the fill.
+    for (std::size_t i = 0; i < 36; ++i) {
+        const std::uint8_t* at = target->data() + i * 4;
+        const bool known = at[0] == 1 || at[0] == 50 || std::equal(at, at + 4, pixel.begin());
+        EXPECT_TRUE(known) << i << ": " << int{at[0]} << " " << int{at[1]};
+    }
+}
+
 }  // namespace
 }  // namespace brushwork
