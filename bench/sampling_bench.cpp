@@ -192,10 +192,11 @@ QuadCorners rotated(float degrees) {
     for (std::size_t k = 0; k < 4; ++k) {
         const float x = square[k].x - middle;
         const float y = square[k].y - middle;
-        corners[k] = {middle + x * std::cos(turn) - y * std::sin(turn),
-                      middle + x * std::sin(turn) + y * std::cos(turn)};
+        // By sixteenths of a pixel, so that the last corner below makes an exact parallelogram.
+        const auto snapped = [](float value) { return std::round(value * 16.0f) / 16.0f; };
+        corners[k] = {snapped(middle + x * std::cos(turn) - y * std::sin(turn)),
+                      snapped(middle + x * std::sin(turn) + y * std::cos(turn))};
     }
-    // An exact parallelogram, whatever the roundings were.
     corners[2] = {corners[1].x + corners[3].x - corners[0].x,
                   corners[1].y + corners[3].y - corners[0].y};
     return corners;
