@@ -25,8 +25,9 @@ class ilSIDImage : public ilImage {
     // Slots 20 to 24. Anything but an ilSIDImage is ignored as a source; null takes the source
     // away.
     virtual void setSource(ilImage* image);
-    // Gives this image's own pixels to its source, where the class keeps any apart.
-    virtual void pushToSource() = 0;
+    // Gives this image's own pixels to its source, where the class keeps any apart. ImageOk, or why
+    // the source did not get them all.
+    virtual std::int32_t pushToSource() = 0;
     // With P this image's source and G that of P: pushes P into G and rests on G from then on.
     // False, with nothing changed, if either is missing.
     virtual bool collapse();

@@ -279,11 +279,12 @@ std::int32_t ilMemoryImg::lockPages(std::span<PageLockRequest> requests, std::ui
 
 void ilMemoryImg::unlockPages(std::span<PageLockRequest>) {}
 
-void ilMemoryImg::pushToSource() {
+std::int32_t ilMemoryImg::pushToSource() {
     ilSIDImage* const target = source();
-    if (!target || beginOperation() != ImageOk) return;
-    copyRegion({0, 0, 0, sizeX_, sizeY_, sizeZ_}, *target, 0, 0, 0, nullptr,
-               CopyDirection::ToOther);
+    if (!target) return ImageNotOneParent;
+    if (const std::int32_t status = beginOperation(); status != ImageOk) return status;
+    return copyRegion({0, 0, 0, sizeX_, sizeY_, sizeZ_}, *target, 0, 0, 0, nullptr,
+                      CopyDirection::ToOther);
 }
 
 std::size_t ilMemoryImg::bytesNeeded() const {

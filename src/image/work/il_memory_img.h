@@ -61,7 +61,8 @@ class ilMemoryImg : public ilSIDImage {
                             const ilTile* keepOut = nullptr) override;
     std::int32_t lockPages(std::span<PageLockRequest> requests, std::uint32_t mode) override;
     void unlockPages(std::span<PageLockRequest> requests) override;
-    void pushToSource() override;
+    // ImageNotOneParent without a source.
+    std::int32_t pushToSource() override;
 
     // The pixels; null without a buffer.
     [[nodiscard]] std::uint8_t* data() { return data_; }

@@ -59,7 +59,10 @@ class VectorImage : public ilSIDImage {
              });
         return ImageOk;
     }
-    void pushToSource() override { ++pushes; }
+    std::int32_t pushToSource() override {
+        ++pushes;
+        return ImageOk;
+    }
 
     void allow(std::uint32_t flags) { allowedFlags_ = flags; }
     void setPages(std::int32_t x, std::int32_t y, std::int32_t z, std::int32_t border) {
