@@ -1,4 +1,5 @@
-// What a host sets for the whole process: where diagnostics go, the random seed, the vector width.
+// What a host sets for the whole process: where diagnostics go, the random seed, the vector width,
+// the number of drawing threads.
 //
 // Set these before the engine works, from one thread.
 #pragma once
@@ -23,5 +24,11 @@ enum class VectorWidth { Scalar, Bits128, Bits256 };
 
 // At most this width, and never more than the processor has. Answers what runs from now on.
 BRUSHWORK_API VectorWidth limitVectorWidth(VectorWidth widest);
+
+// How many worker threads draw; 0, the first state, stands for one a processor. They start when the
+// engine first draws. Workers that already run are stopped, after the tasks under way, and started
+// in the new number; so not while a stroke or any other work of the engine goes on. Every number
+// gives the same pixels. Answers how many there are or will be, at least 1 and at most 256.
+BRUSHWORK_API std::int32_t setWorkerCount(std::int32_t count);
 
 }  // namespace brushwork::runtime

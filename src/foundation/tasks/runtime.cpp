@@ -5,6 +5,7 @@
 #include "foundation/services/log.h"
 #include "foundation/services/random_source.h"
 #include "foundation/services/vector_level.h"
+#include "foundation/tasks/task_pool.h"
 
 namespace brushwork::runtime {
 
@@ -19,6 +20,11 @@ void setRandomSeed(std::uint64_t seed) {
 VectorWidth limitVectorWidth(VectorWidth widest) {
     forceVectorLevel(static_cast<VectorLevel>(widest));
     return static_cast<VectorWidth>(vectorLevel());
+}
+
+std::int32_t setWorkerCount(std::int32_t count) {
+    TaskPool::setDefaultSize(count);
+    return TaskPool::defaultSize();
 }
 
 static_assert(static_cast<int>(VectorWidth::Scalar) == static_cast<int>(VectorLevel::Scalar));
