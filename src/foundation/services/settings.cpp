@@ -40,6 +40,45 @@ std::optional<BridgeSettings>& storedBridgeSettings() {
     return settings;
 }
 
+CacheSettings readCacheSettings() {
+    CacheSettings settings;
+    settings.checking = platform::environmentVariable("ZENON_ZC_SMARTIMAGE_CHECKING").has_value();
+    settings.oldImageId = platform::environmentVariable("ZENON_ZC_USE_OLD_IMAGEID").has_value();
+    return settings;
+}
+
+std::optional<CacheSettings>& storedCacheSettings() {
+    static std::optional<CacheSettings> settings = readCacheSettings();
+    return settings;
+}
+
+// The number at the start of the text, with a point in every locale.
+std::optional<float> partOfOne(const char* variable) {
+    const auto text = platform::environmentVariable(variable);
+    if (!text) return std::nullopt;
+    const char* const end = text->data() + text->size();
+    const char* start = text->data();
+    while (start != end && (*start == ' ' || *start == '\t')) ++start;
+    if (start != end && *start == '+') ++start;
+    float value = 0.0f;
+    if (std::from_chars(start, end, value).ec != std::errc()) return std::nullopt;
+    if (!(value >= 0.0f && value <= 1.0f)) return std::nullopt;
+    return value;
+}
+
+PressureSettings readPressureSettings() {
+    PressureSettings settings;
+    settings.hardness = partOfOne("SID_PRESSURE_HARDNESS").value_or(settings.hardness);
+    settings.threshold = partOfOne("SID_PRESSURE_THRESHOLD").value_or(settings.threshold);
+    settings.smoothness = partOfOne("SID_PRESSURE_SMOOTHNESS").value_or(settings.smoothness);
+    return settings;
+}
+
+std::optional<PressureSettings>& storedPressureSettings() {
+    static std::optional<PressureSettings> settings = readPressureSettings();
+    return settings;
+}
+
 }  // namespace
 
 const BridgeSettings& bridgeSettings() {
@@ -48,8 +87,22 @@ const BridgeSettings& bridgeSettings() {
     return *stored;
 }
 
+const CacheSettings& cacheSettings() {
+    auto& stored = storedCacheSettings();
+    if (!stored) stored = readCacheSettings();
+    return *stored;
+}
+
+const PressureSettings& pressureSettings() {
+    auto& stored = storedPressureSettings();
+    if (!stored) stored = readPressureSettings();
+    return *stored;
+}
+
 void resetSettings() {
     storedBridgeSettings().reset();
+    storedCacheSettings().reset();
+    storedPressureSettings().reset();
 }
 
 }  // namespace brushwork

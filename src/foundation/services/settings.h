@@ -20,6 +20,27 @@ struct BridgeSettings {
 
 [[nodiscard]] const BridgeSettings& bridgeSettings();
 
+// Of the page cache. A variable counts as set whatever its value.
+struct CacheSettings {
+    // ZENON_ZC_SMARTIMAGE_CHECKING: each list operation checks all lists; page memory is filled
+    // with patterns when it is taken and given back.
+    bool checking = false;
+    // ZENON_ZC_USE_OLD_IMAGEID: smart images are told by their class name.
+    bool oldImageId = false;
+};
+
+[[nodiscard]] const CacheSettings& cacheSettings();
+
+// Of the tablet's pressure. A variable that begins with no number, or whose number isn't between 0
+// and 1, counts as unset; what follows the number doesn't matter.
+struct PressureSettings {
+    float hardness = 0.5f;    // SID_PRESSURE_HARDNESS
+    float threshold = 0.15f;  // SID_PRESSURE_THRESHOLD
+    float smoothness = 0.2f;  // SID_PRESSURE_SMOOTHNESS
+};
+
+[[nodiscard]] const PressureSettings& pressureSettings();
+
 // Forgets what was read, so that a test can set variables and read them again. Not while another
 // thread reads settings.
 void resetSettings();

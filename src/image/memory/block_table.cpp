@@ -104,6 +104,12 @@ BworkMemBlockAllocator* BlockTable::oldestUnused() const {
     return nullptr;
 }
 
+BworkMemBlockAllocator* BlockTable::unusedFor(const PageAllocator& pages) const {
+    BworkMemBlockAllocator* const latest = unused_.head();
+    const bool isWarm = latest && latest->formerOwner() == &pages && isIdle(*latest);
+    return isWarm ? latest : oldestUnused();
+}
+
 BworkMemBlockAllocator* BlockTable::unusedSmallest() {
     for (auto* block = unused_.head(); block; block = BlockList::next(*block))
         if (block->blockSize() == classBytes[smallestClass] && isIdle(*block)) return block;

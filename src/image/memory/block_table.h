@@ -58,6 +58,9 @@ class BlockTable {
     [[nodiscard]] BworkMemBlockAllocator* find(const void* address) const;
     // The unused block that became so first, neither frozen nor fixed.
     [[nodiscard]] BworkMemBlockAllocator* oldestUnused() const;
+    // What an allocator of pages takes next: the block that it emptied last, while nobody has had
+    // it, since that memory is warm and mapped; otherwise the oldest.
+    [[nodiscard]] BworkMemBlockAllocator* unusedFor(const PageAllocator& pages) const;
     // The latest unused block of 2 MiB, or a new one.
     BworkMemBlockAllocator* unusedSmallest();
 

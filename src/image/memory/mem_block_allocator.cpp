@@ -1,6 +1,7 @@
 #include "image/memory/mem_block_allocator.h"
 
 #include <cstring>
+#include <utility>
 
 #include "image/memory/image_health.h"
 
@@ -31,7 +32,7 @@ void BworkMemBlockAllocator::cut(std::uint32_t elementSize, PageAllocator* owner
 void BworkMemBlockAllocator::uncut() {
     BworkMemBlockAllocator::clearFreeList();
     elementSize_ = elementCount_ = usableBytes_ = elementMask_ = untouchedFrom_ = 0;
-    owner_ = nullptr;
+    formerOwner_ = std::exchange(owner_, nullptr);
     reserved_ = 0;
 }
 

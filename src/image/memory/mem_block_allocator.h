@@ -46,6 +46,8 @@ class BworkMemBlockAllocator {
     [[nodiscard]] std::int32_t usedCount() const { return usedCount_; }
     [[nodiscard]] std::int32_t freeCount() const { return freeCount_; }
     [[nodiscard]] PageAllocator* owner() const { return owner_; }  // null: cut for no pages
+    // Whom it was cut for before, if nobody had it since; null otherwise.
+    [[nodiscard]] const PageAllocator* formerOwner() const { return formerOwner_; }
 
     // Given away whole.
     [[nodiscard]] bool isFrozen() const { return frozen_ != 0; }
@@ -88,6 +90,7 @@ class BworkMemBlockAllocator {
     BworkMemBlockAllocator* next_ = nullptr;
     BlockList* list_ = nullptr;
     PageAllocator* owner_ = nullptr;
+    const PageAllocator* formerOwner_ = nullptr;
 };
 
 }  // namespace brushwork

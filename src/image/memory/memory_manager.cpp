@@ -6,6 +6,7 @@
 #include <mutex>
 #include <new>
 
+#include "image/memory/allocation_gate.h"
 #include "image/memory/bypass_scope.h"
 #include "image/memory/image_health.h"
 #include "image/memory/image_lock.h"
@@ -206,6 +207,7 @@ std::size_t BworkMemory::capacityOf(const void* pointer) const {
 }
 
 void* BworkMemory::allocateBig(bool mayEvict, bool reserved) {
+    if (allocationRefused()) return nullptr;
     if (!isEnabled()) return sources_.runtime.allocate(PageAllocator::bigBytes);
     const Guard guard(imageLock());
     PageAllocator& pages = state()->big;
@@ -213,6 +215,7 @@ void* BworkMemory::allocateBig(bool mayEvict, bool reserved) {
 }
 
 void* BworkMemory::allocateSmall(bool mayEvict, bool reserved) {
+    if (allocationRefused()) return nullptr;
     if (!isEnabled()) return sources_.runtime.allocate(PageAllocator::smallBytes);
     const Guard guard(imageLock());
     PageAllocator& pages = state()->small;

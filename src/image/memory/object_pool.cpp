@@ -3,6 +3,8 @@
 #include <cstring>
 #include <new>
 
+#include "image/memory/allocation_gate.h"
+
 namespace brushwork {
 
 ObjectPool::ObjectPool(std::size_t elementSize, std::uint32_t capacityPerChunk,
@@ -53,6 +55,7 @@ void ObjectPool::link(Chunk* chunk) {
 }
 
 void* ObjectPool::allocate() {
+    if (allocationRefused()) return nullptr;
     {
         const std::lock_guard guard(lock_);
         if (void* const place = takePlace()) return place;

@@ -43,7 +43,7 @@ void* PageAllocator::allocate(bool mayEvict) {
         if (void* const page = takeFrom(*current_)) return page;
     }
     if (void* const page = walk(partial_)) return page;
-    BworkMemBlockAllocator* block = table_.oldestUnused();
+    BworkMemBlockAllocator* block = table_.unusedFor(*this);
     if (!block) block = table_.makeForPages(manyBlocks);
     if (void* const page = adoptAndTake(block, false)) return page;
     if (!mayEvict) return nullptr;

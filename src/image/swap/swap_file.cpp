@@ -10,6 +10,7 @@
 #include "foundation/services/log.h"
 #include "image/swap/run_length.h"
 #include "platform/file_calls.h"
+#include "platform/process_limits.h"
 #include "platform/text_codec.h"
 
 namespace brushwork {
@@ -48,7 +49,12 @@ bool SwapFile::openIn(std::u16string_view directory, std::u16string_view prefix)
     static_cast<void>(platform::unlinkFile(name_));
     errno = 0;
     // A file that somebody puts there in this moment is not taken for ours.
-    return file_.open(name_, platform::PositionedFile::Mode::CreateNew);
+    platform::notePartialFile(name_);  // before it exists: no signal finds it unnamed
+    if (file_.open(name_, platform::PositionedFile::Mode::CreateNew)) return true;
+    const int error = errno;
+    platform::dropPartialFile(name_);
+    errno = error;
+    return false;
 }
 
 bool SwapFile::open() {
@@ -67,6 +73,7 @@ void SwapFile::close() {
     if (!file_.isOpen()) return;
     file_.close();
     static_cast<void>(platform::unlinkFile(name_));
+    platform::dropPartialFile(name_);
 }
 
 void SwapFile::closeIfUnused() {

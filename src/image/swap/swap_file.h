@@ -7,7 +7,8 @@
 //
 // The file is made with the first page and has no header: a page is some bytes at its record's
 // offset, packed by run lengths or, where that saves too little, as they are. What is known of it
-// stands in memory alone; it is of no use to anybody else and is deleted when the object closes it.
+// stands in memory alone; it is of no use to anybody else and is deleted when the object closes it,
+// or by the process's clean-up if a signal ends it (platform/process_limits).
 //
 // Not thread-safe: the callers hold the lock of the image library.
 #pragma once
@@ -80,6 +81,11 @@ class SwapFile {
     // Who is asked while the disk is full; an empty one takes back the default, which waits and
     // answers Retry.
     void setQuestion(SwapQuestion question) { question_ = std::move(question); }
+
+    // Where the file is made from now on; one that is open stays.
+    void setDirectories(std::function<SwapDirectories()> directories) {
+        directories_ = std::move(directories);
+    }
 
     [[nodiscard]] bool isOpen() const { return file_.isOpen(); }
     [[nodiscard]] const std::u16string& name() const { return name_; }

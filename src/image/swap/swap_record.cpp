@@ -1,58 +1,45 @@
 #include "image/swap/swap_record.h"
 
 #include <algorithm>
-#include <deque>
+#include <atomic>
+#include <memory>
 #include <new>
+#include <type_traits>
 #include <utility>
+
+#include "image/memory/object_pool.h"
 
 namespace brushwork {
 namespace {
 
-struct Pool {
-    std::deque<SwapRecord> records;
-    SwapRecord* spare = nullptr;
-    std::uint32_t lastId = 0;
-    std::uint32_t inUse = 0;
-};
-
-Pool& pool() {
-    static Pool instance;
+// Never destroyed: files give records back while the process ends.
+ObjectPool& pool() {
+    static ObjectPool& instance = *std::make_unique<ObjectPool>(sizeof(SwapRecord)).release();
     return instance;
 }
+
+std::atomic<std::uint32_t> lastId{0};
 
 }  // namespace
 
 SwapRecord* takeSwapRecord() {
-    Pool& from = pool();
-    SwapRecord* record = from.spare;
-    if (record) {
-        from.spare = record->nextFree;
-        *record = SwapRecord{};
-    } else {
-        try {
-            record = &from.records.emplace_back();
-        } catch (const std::bad_alloc&) {
-            return nullptr;
-        }
-    }
-    record->id = ++from.lastId;
-    ++from.inUse;
+    void* const place = pool().allocate();
+    if (!place) return nullptr;
+    auto* const record = new (place) SwapRecord;
+    record->id = ++lastId;
     return record;
 }
 
 void giveSwapRecord(SwapRecord* record) {
-    Pool& to = pool();
-    record->nextFree = std::exchange(to.spare, record);
-    --to.inUse;
+    static_assert(std::is_trivially_destructible_v<SwapRecord>);
+    pool().release(record);
 }
 
 std::uint32_t swapRecordsInUse() {
-    return pool().inUse;
+    return static_cast<std::uint32_t>(pool().usedCount());
 }
 
-SwapFreeLists::SwapFreeLists(std::uint32_t granularity) : granularity_(granularity) {
-    pool();  // must outlive every list
-}
+SwapFreeLists::SwapFreeLists(std::uint32_t granularity) : granularity_(granularity) {}
 
 SwapRecord* SwapFreeLists::take(std::uint32_t bytes) {
     const std::uint64_t wanted = (std::uint64_t{bytes} + granularity_ - 1) / granularity_;
