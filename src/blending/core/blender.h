@@ -1,0 +1,87 @@
+// npc::Blender: walks several images together and hands matching rectangles of them to its
+// subclass, on the workers of the TaskPool if asked.
+//
+// Coordinates are the blend's own; each input says where it is placed in them. Rows run upward.
+// A blender belongs to one thread at a time; its runs never overlap.
+#pragma once
+
+#include <cstdint>
+#include <set>
+#include <vector>
+
+#include "blending/core/tile_walk.h"
+#include "blending/core/work_records.h"
+#include "brushwork/il_tile.h"
+
+namespace brushwork::npc {
+
+// Orders boxes by rows, then along the row: the order in which a set of rectangles is run.
+struct TileOrder {
+    bool operator()(const ilTile& a, const ilTile& b) const {
+        return a.y != b.y     ? a.y < b.y
+               : a.x != b.x   ? a.x < b.x
+               : a.nx != b.nx ? a.nx < b.nx
+                              : a.ny < b.ny;
+    }
+};
+using TileSet = std::set<ilTile, TileOrder>;
+
+class Blender {
+  public:
+    using Slot = BlendSlot;
+
+    explicit Blender(std::int32_t mode);
+    Blender(const Blender&) = delete;
+    Blender& operator=(const Blender&) = delete;
+
+    // Slots 0 to 2 of the virtual operations, in this order.
+    virtual ~Blender();
+    // Lets go of all images and puts the first state back.
+    virtual void reset();
+
+  protected:
+    // Blends record `index` of the present run. Called from workers; must not change the blender.
+    virtual void processRecord(std::int32_t index) = 0;
+
+  public:
+    // Blends a box. What of it lies outside an image that has bounds, or in a page that can't be
+    // had, stays untouched. (Smart and pattern images have none.) Nothing happens if an image's
+    // pixels aren't interleaved bytes; short of memory, the rest of the box is left out.
+    void run(const ilTile& rect);
+    // Boxes that don't meet, as one run, the pages of 256 of them locked at a time.
+    void run(const TileSet& rects);
+
+    [[nodiscard]] std::int32_t mode() const { return mode_; }
+    // Shares the work of a run with the workers of the TaskPool if there is enough of it.
+    [[nodiscard]] bool threaded() const { return threaded_; }
+    void setThreaded(bool on) { threaded_ = on; }
+    // Pixels blended since construction, summed over all runs.
+    [[nodiscard]] std::uint64_t pixelCount() const { return pixelCount_; }
+    [[nodiscard]] const Slot& input(BlendInput index) const { return inputs_[index]; }
+
+  protected:
+    [[nodiscard]] const WorkRecord& record(std::int32_t index) const {
+        return records_[static_cast<std::size_t>(index)];
+    }
+    // Called once at the start of a run.
+    virtual void prepareRun() {}
+
+    BlendSlots inputs_;
+    std::vector<float> parameters_;
+    std::vector<std::int32_t> integerParameters_;
+    std::vector<bool> flags_;
+
+  private:
+    class Session;
+
+    void take(const WorkRecord& record);
+    void processRecords();
+
+    std::int32_t mode_;
+    TileWalk walk_;
+    std::vector<WorkRecord> records_;
+    std::uint64_t pixelCount_ = 0;
+    bool threaded_ = false;
+};
+
+}  // namespace brushwork::npc

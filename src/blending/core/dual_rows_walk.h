@@ -1,0 +1,97 @@
+// The vector form of the loop of dual_rows.h. Only for files that are compiled for the lane set.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+
+#include "blending/core/kernel_table.h"
+#include "foundation/services/vector_level.h"
+
+namespace brushwork::npc {
+
+// A register of pixels at a time, and the odd end through loads and stores of a part.
+template <class L, class Formula>
+class DualRowWalk {
+  public:
+    // What the loop needs lies in variables whose address nobody has, and so stays in registers:
+    // a byte that is stored could otherwise be a part of it. The odd end has its own.
+    static void run(const Formula& formula, const KernelRow& row) {
+        noteKernelForm(L::level);
+        const std::size_t whole = row.count - row.count % L::pixels;
+        if (whole != 0) {
+            const Lanes lanes(formula);
+            const KernelRow steady = row;
+            for (std::size_t i = 0; i < whole; i += L::pixels)
+                step<false>(lanes, steady, i, L::pixels);
+        }
+        if (whole != row.count) {
+            const Lanes lanes(formula);
+            step<true>(lanes, row, whole, row.count - whole);
+        }
+    }
+
+  private:
+    using Bytes = typename L::Bytes;
+    using Lanes = typename Formula::template Lanes<L>;
+    struct Pair {
+        typename L::Words first, second;
+    };
+
+    template <bool part>
+    static Bytes load(const std::uint8_t* p, std::size_t count) {
+        if constexpr (part) return L::loadPart(p, count);
+        return L::load(p);
+    }
+    template <bool part>
+    static void store(std::uint8_t* p, Bytes bytes, std::size_t count) {
+        if constexpr (part) return L::storePart(p, bytes, count);
+        L::store(p, bytes);
+    }
+
+    template <bool part>
+    static std::uint64_t maskOf(const KernelRow& row, std::size_t i, std::size_t count) {
+        if (row.mask == nullptr) return ~std::uint64_t{0};
+        const std::uint8_t* p = row.mask + i * row.maskStride;
+        std::uint64_t mask = 0;
+        std::memcpy(&mask, p, part ? count : L::pixels);
+        return mask;
+    }
+
+    template <bool part, bool two>
+    static Pair joined(const std::uint8_t* hi, const std::uint8_t* lo, std::size_t count) {
+        Pair pair;
+        Bytes lows = L::all(0);
+        if constexpr (two) lows = load<part>(lo, count);
+        L::join(load<part>(hi, count), lows, pair.first, pair.second);
+        return pair;
+    }
+
+    template <bool part, bool two>
+    static void split(const Pair& pair, std::uint8_t* hi, std::uint8_t* lo, std::size_t count) {
+        store<part>(hi, L::highsOf(pair.first, pair.second), count);
+        if constexpr (two) store<part>(lo, L::lowsOf(pair.first, pair.second), count);
+    }
+
+    template <bool part>
+    [[gnu::always_inline]] static inline void step(const Lanes& lanes, const KernelRow& row,
+                                                   std::size_t i, std::size_t count) {
+        const std::uint64_t bytes = maskOf<part>(row, i, count);
+        if (Formula::rests && bytes == 0) return;
+        const std::size_t at = 4 * i;
+        const std::size_t sourceAt = at * row.sourceStride;
+        std::uint8_t* const lo = Formula::dual ? row.lo + at : nullptr;
+        std::uint8_t* const source2 = Formula::carries ? row.source2 + sourceAt : nullptr;
+        Pair mask;
+        L::spread(bytes, mask.first, mask.second);
+        Pair target = joined<part, Formula::dual>(row.hi + at, lo, count);
+        Pair source = joined<part, Formula::carries>(row.source + sourceAt, source2, count);
+        lanes.blend(target.first, source.first, mask.first);
+        lanes.blend(target.second, source.second, mask.second);
+        split<part, Formula::dual>(target, row.hi + at, lo, count);
+        if constexpr (Formula::carries)
+            split<part, true>(source, row.source + sourceAt, source2, count);
+    }
+};
+
+}  // namespace brushwork::npc

@@ -1,0 +1,43 @@
+// TileWalk: walks the pages of several images together and makes a work record of every rectangle
+// that lies in a single page of each.
+//
+//     if (walk.begin(slots)) {
+//         walk.run(walk.clipped(box), [](const WorkRecord& record) { ... });
+//         walk.unlock();
+//         walk.end();
+//     }
+#pragma once
+
+#include <array>
+#include <functional>
+
+#include "blending/core/input_pages.h"
+#include "blending/core/work_records.h"
+
+namespace brushwork::npc {
+
+class TileWalk {
+  public:
+    using Visitor = std::function<void(const WorkRecord&)>;
+
+    // Takes the images as they are now. False, with nothing to do, if none is bound or one can't be
+    // blended. The slots must stay until end().
+    [[nodiscard]] bool begin(const BlendSlots& slots);
+    void end();  // unlocks as well
+
+    // The part of the box in which every image has pixels.
+    [[nodiscard]] WideBox clipped(WideBox box) const;
+    // Visits the rectangles of a clipped box, each pixel once; parts for which a page can't be had
+    // are left out. The pages of the visited ones stay locked until unlock().
+    void run(const WideBox& box, const Visitor& visit);
+    void unlock();
+
+  private:
+    void walk(std::size_t inputsLeft, const WideBox& box, const Visitor& visit);
+    void report(const WideBox& box, const Visitor& visit) const;
+
+    std::array<InputPages, blendInputCount> inputs_;
+    std::array<PageView, blendInputCount> current_{};  // of the inputs that the walk has reached
+};
+
+}  // namespace brushwork::npc

@@ -1,0 +1,16 @@
+// From the number of a blend mode to its blender.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+
+#include "blending/core/generic_blender.h"
+#include "brushwork/blend_mode_table.h"
+
+namespace brushwork::npc {
+
+// Empty for a number that is no mode: the numbering has holes.
+[[nodiscard]] std::shared_ptr<GenericBlender> createBlender(std::int32_t mode);
+[[nodiscard]] std::shared_ptr<GenericBlender> createBlender(BlendModeId mode);
+
+}  // namespace brushwork::npc
