@@ -1,15 +1,22 @@
 // All public headers of the engine.
 #pragma once
 
+#include "brushwork/blend_mode_table.h"
+#include "brushwork/brush_parameters.h"
+#include "brushwork/brush_texture_parameters.h"
 #include "brushwork/c_string.h"
 #include "brushwork/error.h"
 #include "brushwork/filename.h"
+#include "brushwork/guide_curve.h"
 #include "brushwork/host_call_table.h"
 #include "brushwork/i_string.h"
 #include "brushwork/il_tile.h"
+#include "brushwork/pressure_filter.h"
 #include "brushwork/progress.h"
 #include "brushwork/ref.h"
 #include "brushwork/reference_count.h"
 #include "brushwork/resource.h"
 #include "brushwork/runtime.h"
+#include "brushwork/stamp_point.h"
+#include "brushwork/stroke_parameters.h"
 #include "brushwork/zn_string.h"

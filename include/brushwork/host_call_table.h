@@ -23,7 +23,16 @@ using HostCanvas = void*;   // a window or view of the host; null is none
 using HostSurface = void*;  // the pixels that such a canvas shows; null is none
 using HostTimerId = std::int32_t;
 using HostTimerCallback = void (*)(void* argument);
+using HostCurve = void*;  // a plane curve of the host's; null is none
 using HostReservedCall = void (*)();
+
+// A piece of a tessellated curve: where it begins and how far it goes.
+struct HostSegment {
+    float x = 0.0f;
+    float y = 0.0f;
+    float dx = 0.0f;
+    float dy = 0.0f;
+};
 
 struct HostCallTable {
     // Canvases and the surfaces behind them.
@@ -71,8 +80,32 @@ struct HostCallTable {
     // May be called from any thread.
     std::int32_t (*debugLevel)() = nullptr;
 
+    // Curves. Places on a curve are told by arc parameters: the way along it in its own unit, 0 at
+    // its start, curveLength at its end. Parameters outside that range stand for its ends.
+    bool (*curveIsClosed)(HostCurve curve) = nullptr;
+    double (*curveLength)(HostCurve curve) = nullptr;
+    // The arc parameter of the place on the curve that is nearest to (x, y).
+    double (*curveNearest)(HostCurve curve, double x, double y) = nullptr;
+    // The place at an arc parameter; false, and nothing written, if the curve has none.
+    bool (*curvePoint)(HostCurve curve, double arc, double* x, double* y) = nullptr;
+    // The way the curve goes on there, of any length; false, and nothing written, if it has none.
+    bool (*curveDirection)(HostCurve curve, double arc, double* x, double* y) = nullptr;
+    // Moves each control point in place, to (m[0] x + m[1] y + m[2], m[3] x + m[4] y + m[5]).
+    void (*mapCurve)(HostCurve curve, const double* m) = nullptr;
+    // The engine is through with a curve that was given to it.
+    void (*releaseCurve)(HostCurve curve) = nullptr;
+    // The corners of a box around the curve, x then y; false, and nothing written, for an empty
+    // curve.
+    bool (*curveBounds)(HostCurve curve, double* low, double* high) = nullptr;
+    // The curve as straight pieces in order, nowhere further from it than the tolerance. The
+    // answer is the host's memory; the engine gives it back by freeSegments. Null for an empty
+    // curve, with a count of 0.
+    HostSegment* (*tessellateCurve)(HostCurve curve, double tolerance,
+                                    std::int32_t* count) = nullptr;
+    void (*freeSegments)(HostSegment* segments) = nullptr;
+
     // Slots that no role uses yet. They are cleared like the others.
-    HostReservedCall reserved[38] = {};
+    HostReservedCall reserved[28] = {};
 };
 
 inline constexpr int hostCallSlots = 68;

@@ -125,7 +125,10 @@ TEST(Blender, AWarmRunAllocatesNothing) {
         layer->unlockPages({&request, 1});
     });
     EXPECT_EQ(taken([&] { blender.run(flatTile(3, 3, 110, 110)); }), byLock);
-    EXPECT_EQ(taken([] { const auto proof = std::make_unique<int>(1); }), 1u);
+    // The count does count.
+    int* volatile proof = nullptr;
+    EXPECT_EQ(taken([&] { proof = std::make_unique<int>(1).release(); }), 1u);
+    const std::unique_ptr<int> owner(proof);
 }
 
 }  // namespace

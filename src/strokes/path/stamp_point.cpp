@@ -1,0 +1,7 @@
+#include "brushwork/stamp_point.h"
+
+namespace brushwork {
+
+StrokePointData::~StrokePointData() = default;
+
+}  // namespace brushwork

@@ -1,0 +1,24 @@
+// Bringing the values of a stamp into their ranges.
+#pragma once
+
+#include <cmath>
+
+#include "brushwork/stamp_point.h"
+
+namespace brushwork {
+
+// What isn't a number becomes the smallest radius.
+[[nodiscard]] inline float clampedStampRadius(float radius) {
+    if (!(radius >= minimumStampRadius)) return minimumStampRadius;
+    return radius > maximumStampRadius ? maximumStampRadius : radius;
+}
+
+// Into [0, 360). Raised first and lowered then, since a tiny negative angle rounds up to 360.
+[[nodiscard]] inline float wrappedDegrees(float angle) {
+    if (!(angle >= -360.0f && angle < 720.0f)) angle = std::fmod(angle, 360.0f);
+    if (angle < 0.0f) angle += 360.0f;
+    if (angle >= 360.0f) angle -= 360.0f;
+    return angle;
+}
+
+}  // namespace brushwork

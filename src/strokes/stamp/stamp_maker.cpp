@@ -1,0 +1,193 @@
+#include "strokes/stamp/stamp_maker.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <cstring>
+#include <utility>
+
+#include "strokes/stamp/stamp_bands.h"
+#include "strokes/stamp/stamp_coverage.h"
+#include "strokes/stamp/stamp_sampling.h"
+
+namespace brushwork::npc {
+namespace {
+
+constexpr std::int32_t maskColumns = 16;  // widths are multiples of these
+constexpr std::int32_t colorColumns = 4;
+
+// An image of at least this width; the present one if it fits. False if there is no memory.
+bool fitImage(Ref<ilSPMemoryImg>& image, std::int32_t width, std::int32_t multiple,
+              std::int32_t height, std::int32_t channels) {
+    const std::int32_t stored = (width + multiple - 1) / multiple * multiple;
+    if (image && image->sizeX() == stored && image->sizeY() == height) return true;
+    image = makeRef<ilSPMemoryImg>(stored, height, channels);
+    if (image->data()) return true;
+    image.reset();
+    return false;
+}
+
+// The level of a tip's image for a stamp, at least a pixel each way.
+Ref<ilImage> levelFor(const Ref<ImagePaintObj>& object, const StampPoint& point) {
+    if (!object) return {};
+    const float across = 2.0f * point.radius;
+    const auto pixels = [](float length) {
+        return std::max(static_cast<std::int32_t>(length), std::int32_t{1});
+    };
+    return object->imageAtSize(pixels(across), pixels(across * std::fabs(point.scaleY)));
+}
+
+}  // namespace
+
+// What the bands of one stamp do.
+struct StampMaker::Job {
+    CoverageJob mask;  // no pixels: no mask is made
+    bool covered = false;
+    SamplingJob shape;  // no table: none
+    SamplingJob color;  // no pixels: none
+
+    void makeRows(StampBands::Band band) const {
+        if (mask.pixels) {
+            CoverageJob rows = mask;
+            rows.firstRow = band.firstRow;
+            rows.rows = band.rows;
+            rows.pixels += static_cast<std::ptrdiff_t>(band.firstRow) * mask.rowBytes;
+            if (covered)
+                coverRows(rows);
+            else
+                fillRows(rows);
+            if (shape.table.cells) multiplyShape(part(shape, band));
+        }
+        if (color.pixels) sampleColors(part(color, band));
+    }
+
+  private:
+    static SamplingJob part(SamplingJob job, StampBands::Band band) {
+        job.firstRow = band.firstRow;
+        job.rows = band.rows;
+        job.pixels += static_cast<std::ptrdiff_t>(band.firstRow) * job.rowBytes;
+        return job;
+    }
+
+    static void fillRows(const CoverageJob& rows) {
+        for (std::int32_t row = 0; row < rows.rows; ++row) {
+            std::uint8_t* const out =
+                rows.pixels + static_cast<std::ptrdiff_t>(row) * rows.rowBytes;
+            std::memset(out, 255, static_cast<std::size_t>(rows.width));
+            std::memset(out + rows.width, 0, static_cast<std::size_t>(rows.rowBytes - rows.width));
+        }
+    }
+};
+
+StampMaker::StampMaker(Ref<StampImageCache> cache) : lease_(std::move(cache), tip_.identity()) {}
+
+void StampMaker::setCache(const Ref<StampImageCache>& cache) {
+    if (cache) lease_ = StampCacheLease(cache, tip_.identity());
+}
+
+void StampMaker::setTip(const StampTip& tip) {
+    freeTables();
+    tip_ = tip;
+    lease_ = StampCacheLease(lease_.cache(), tip_.identity());
+}
+
+void StampMaker::freeTables() {
+    shapeTable_.clear();
+    colorTable_.clear();
+    current_ = {};
+}
+
+void StampMaker::refreshLease() {
+    if (!tip_.differsFrom(lease_.identity())) return;
+    lease_ = StampCacheLease(lease_.cache(), tip_.identity());
+}
+
+bool StampMaker::wants(StampColors colors) const {
+    return tip_.colors == colors && tip_.color;
+}
+
+bool StampMaker::prepareMask(const StampFrame& frame, const StampPoint& point,
+                             Ref<ilSPMemoryImg>& mask, Job& job) {
+    if (!fitImage(mask, frame.box.nx, maskColumns, frame.box.ny, 1)) return false;
+    job.mask.map = frame.toBrush;
+    job.mask.width = frame.box.nx;
+    job.mask.rowBytes = mask->sizeX();
+    job.mask.pixels = mask->data();
+    job.covered = tip_.procedural;
+    if (tip_.procedural) {
+        maskTable_.build(frame.radius, tip_.hardness);
+        job.mask.profile = maskTable_.profileFor(frame.scaleX, frame.scaleY);
+    }
+    const Ref<ilImage> level = levelFor(tip_.shape, point);
+    const bool usable = level && dynamic_cast<ilSPMemoryImg*>(level.get()) &&
+                        level->channels() == 1 && shapeTable_.build(level);
+    if (!usable) return true;
+    const TableView table = shapeTable_.view();
+    job.shape = {frame.toTable(table.width, table.height),
+                 table,
+                 0,
+                 0,
+                 job.mask.width,
+                 job.mask.rowBytes,
+                 job.mask.pixels};
+    return true;
+}
+
+bool StampMaker::prepareColor(const StampFrame& frame, const StampPoint& point,
+                              Ref<ilSPMemoryImg>& color, Job& job) {
+    const Ref<ilImage> level = levelFor(tip_.color, point);
+    if (!level || level->channels() != 4 || !colorTable_.build(level)) return false;
+    if (!fitImage(color, frame.box.nx, colorColumns, frame.box.ny, 4)) return false;
+    const TableView table = colorTable_.view();
+    job.color = {frame.toTable(table.width, table.height),
+                 table,
+                 0,
+                 0,
+                 frame.box.nx,
+                 color->sizeX() * 4,
+                 color->data()};
+    return true;
+}
+
+void StampMaker::takeFromCache(const StampFrame& frame, const StampPoint& point) {
+    refreshLease();
+    const std::uint64_t key = stampKey(point);
+    if (const Ref<StampImageCacheItem> found = lease_.find(key)) {
+        current_.mask = found->mask;
+        current_.color = found->color;
+        return;
+    }
+    const auto item = makeRef<StampImageCacheItem>();
+    Job job;
+    if (!prepareMask(frame, point, item->mask, job)) return;
+    if (wants(StampColors::Kept)) prepareColor(frame, point, item->color, job);
+    StampBands(frame.box.nx, frame.box.ny).run([&job](StampBands::Band band) {
+        job.makeRows(band);
+    });
+    current_.mask = item->mask;
+    current_.color = item->color;
+    lease_.insert(item, key);
+}
+
+const StampImages& StampMaker::make(const StampPoint& quantized) {
+    const StampFrame frame = stampFrame(quantized);
+    current_ = {frame.box, {}, {}};
+    if (frame.box.isEmpty()) return current_;
+    Job job;
+    if (cacheEnabled_ && lease_.cache()) {
+        takeFromCache(frame, quantized);
+    } else if (prepareMask(frame, quantized, scratchMask_, job)) {
+        current_.mask = scratchMask_;
+        if (wants(StampColors::Kept) && prepareColor(frame, quantized, scratchColor_, job))
+            current_.color = scratchColor_;
+    }
+    if (wants(StampColors::Fresh) && prepareColor(frame, quantized, scratchColor_, job))
+        current_.color = scratchColor_;
+    if (job.mask.pixels || job.color.pixels)
+        StampBands(frame.box.nx, frame.box.ny).run([&job](StampBands::Band band) {
+            job.makeRows(band);
+        });
+    return current_;
+}
+
+}  // namespace brushwork::npc
