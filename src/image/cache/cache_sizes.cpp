@@ -22,6 +22,19 @@ bool evictOne(CacheState& state, std::uint8_t channels) {
     return buffer != nullptr;
 }
 
+// What the ceiling leaves to pixels. Records are memory too, and a large document has many: a
+// sixteenth of a ceiling that is worth cutting is theirs from the start, since memory that pixels
+// once had doesn't go back to the system; what they take beyond it is cut off too, at most half.
+std::uint64_t ceilingForPixels(const CacheState& state) {
+    const std::uint64_t swapRecords =
+        std::uint64_t{state.bigSwap.recordCount()} + state.smallSwap.recordCount();
+    const std::uint64_t records =
+        std::uint64_t{smartPageCount()} * sizeof(SmartPage) + swapRecords * sizeof(SwapRecord);
+    const std::uint64_t spared = state.ceiling / 16;
+    const std::uint64_t most = state.ceiling - (state.ceiling < leastCacheBytes ? 0 : spared);
+    return most - std::min(records > spared ? records - spared : 0, state.ceiling / 2);
+}
+
 void applyLimits(CacheState& state) {
     state.maxBytes = state.ceiling == 0 ? state.limit : std::min(state.limit, state.ceiling);
 }
@@ -57,11 +70,12 @@ void setCeiling(CacheState& state, std::uint64_t bytes) {
     state.ceiling = bytes;
     applyLimits(state);
     if (imageFailure() != 0 || bytes == 0) return;
-    while (state.usedBytes > bytes && scanStep(state)) {
+    const std::uint64_t most = ceilingForPixels(state);
+    while (state.usedBytes > most && scanStep(state)) {
     }
-    while (state.usedBytes > bytes && evictOne(state, 4)) {
+    while (state.usedBytes > most && evictOne(state, 4)) {
     }
-    while (state.usedBytes > bytes && evictOne(state, 1)) {
+    while (state.usedBytes > most && evictOne(state, 1)) {
     }
 }
 
@@ -69,7 +83,9 @@ std::uint8_t* makeRoom(CacheState& state, std::uint8_t channels) {
     const std::uint64_t bytes = channels == 1 ? PageAllocator::smallBytes : PageAllocator::bigBytes;
     const std::uint8_t others = channels == 1 ? 4 : 1;
     std::uint8_t* room = nullptr;
-    while (state.ceiling != 0 && state.usedBytes + bytes > state.ceiling) {
+    if (state.ceiling == 0) return room;
+    const std::uint64_t most = ceilingForPixels(state);
+    while (state.usedBytes + bytes > most) {
         if (imageFailure() != 0 || state.writing) break;
         std::uint8_t* buffer = collapseAny(state, channels);
         if (!buffer) buffer = evictTail(state, state.listOf(channels));

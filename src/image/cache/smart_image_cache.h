@@ -93,8 +93,9 @@ class SmartImageCache final : public PageReclaimer, public Observer {
     // nothing. `spare` changes nothing.
     void adjustToMemory(bool mayShrink, bool spare, bool growALittle);
     // What the host allows at most, in bytes; 0: no limit but the one above. Pages of either kind
-    // leave until the cache fits. A ceiling below 32 MiB is taken as it is, also by setMaxBytes,
-    // which doesn't move it.
+    // leave until the cache fits. It is meant for what pages take of the process: their records
+    // count as well, from 32 MiB on a sixteenth of it or more. A ceiling below 32 MiB is taken as
+    // it is, also by setMaxBytes, which doesn't move it.
     void setCeiling(std::uint64_t bytes);
 
     void report();

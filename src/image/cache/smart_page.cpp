@@ -11,16 +11,9 @@
 namespace brushwork {
 namespace {
 
-// The pool links free places by their first word. A word in front of the page keeps that link off
-// the record, so that a dead page still shows its signature and the reason of its release.
-struct Place {
-    void* link;
-    SmartPage page;
-};
-
 // Neither is ever destroyed: pages go back while the process ends.
 ObjectPool& pagePool() {
-    static ObjectPool& pool = *std::make_unique<ObjectPool>(sizeof(Place)).release();
+    static ObjectPool& pool = *std::make_unique<ObjectPool>(sizeof(SmartPage)).release();
     return pool;
 }
 
@@ -34,7 +27,7 @@ ObjectPool& pendingPool() {
 SmartPage* makeSmartPage(std::uint8_t channels, std::uint32_t solid) {
     void* const place = pagePool().allocate();
     if (!place) return nullptr;
-    SmartPage& page = (new (place) Place{nullptr, {}})->page;
+    SmartPage& page = *new (place) SmartPage;
     page.state = PageState::Solid;
     page.channels = channels;
     page.shift = channels == 1 ? 0 : 2;
@@ -43,12 +36,13 @@ SmartPage* makeSmartPage(std::uint8_t channels, std::uint32_t solid) {
 }
 
 void destroySmartPage(SmartPage* page) {
-    static_assert(std::is_trivially_destructible_v<SmartPage> && std::is_standard_layout_v<Place>);
+    static_assert(std::is_trivially_destructible_v<SmartPage> &&
+                  std::is_standard_layout_v<SmartPage> && offsetof(SmartPage, lruNext) == 0);
     if (!page) return;
     dropPendingRead(*page);
     page->magic = deadSignature;
     page->data = nullptr;
-    pagePool().release(reinterpret_cast<std::uint8_t*>(page) - offsetof(Place, page));
+    pagePool().release(page);
 }
 
 std::uint32_t smartPageCount() {

@@ -2,7 +2,8 @@
 //
 // A page is a block of memory, one repeated value, a record in the swap file, or a promise to read
 // from another image. Holders share it; who writes takes a copy first if there is another holder.
-// The record knows no cache: SmartPageRef, above the cache, releases it.
+// The record knows no cache: SmartPageRef, above the cache, releases it. A large document has some
+// hundred thousand of them, so its fields are ordered by size and leave no gaps.
 #pragma once
 
 #include <cstddef>
@@ -43,30 +44,30 @@ struct PendingRead {
 struct SmartPage {
     static constexpr std::uint8_t mustStaySolid = 255;  // in `unscanned`
 
-    std::uint32_t magic = liveSignature;
-    std::uint8_t* data = nullptr;      // state 1
-    PendingRead* pending = nullptr;    // state 6; owned
-    std::uint32_t solid = 0;           // state 3; the low byte for one channel
-    SwapRecord* swapRecord = nullptr;  // state 2; in state 1: the same pixels on disk
-    SmartPage* lruNext = nullptr;      // of the cache list it is on
+    SmartPage* lruNext = nullptr;  // of the cache list it is on; first: see destroySmartPage
     SmartPage* lruPrev = nullptr;
     SmartPage* scanNext = nullptr;
     SmartPage* scanPrev = nullptr;
+    std::uint8_t* data = nullptr;           // state 1
+    PendingRead* pending = nullptr;         // state 6; owned
+    SwapRecord* swapRecord = nullptr;       // state 2; in state 1: the same pixels on disk
     const SmartPage* sourcePage = nullptr;  // what it was cloned from; compared, never followed
-    std::int32_t userLocks = 0;             // by lockPages
-    std::int32_t refCount = 0;              // SmartPageRefs
-    std::uint32_t stamp = 0;                // of its last use; after release the reason
+    std::uint32_t magic = liveSignature;
+    std::uint32_t solid = 0;     // state 3; the low byte for one channel
+    std::int32_t userLocks = 0;  // by lockPages
+    std::int32_t refCount = 0;   // SmartPageRefs
+    std::uint32_t stamp = 0;     // of its last use; after release the reason
     std::uint32_t reserved[2] = {};
-    std::uint16_t cacheLocks = 0;  // hard locks
     PageState state = PageState::Invalid;
-    std::uint8_t locked = 0;  // 255 while hard-locked
+    AlphaClass alphaClass = AlphaClass::Mixed;
+    std::int32_t pins = 0;         // above 0 the allocator leaves it alone
+    std::uint16_t cacheLocks = 0;  // hard locks
+    std::uint8_t locked = 0;       // 255 while hard-locked
     std::uint8_t channels = 4;
     std::uint8_t shift = 2;  // log2 of bytes a pixel
     std::uint8_t cloned = 0;
     std::uint8_t clean = 1;      // until it is written
     std::uint8_t unscanned = 1;  // 0: on the scan list
-    AlphaClass alphaClass = AlphaClass::Mixed;
-    std::int32_t pins = 0;  // above 0 the allocator leaves it alone
 
     [[nodiscard]] std::size_t bytes() const { return std::size_t{pagePixels} << shift; }
     [[nodiscard]] bool isLive() const { return magic == liveSignature; }
@@ -77,7 +78,8 @@ struct SmartPage {
 // A solid page without holders, 1 or 4 channels; null without memory. Of one channel's value the
 // low byte counts.
 [[nodiscard]] SmartPage* makeSmartPage(std::uint8_t channels, std::uint32_t solid);
-// Marks the record dead and gives it back to its pool. It holds no memory and no swap record, and
+// Marks the record dead and gives it back to its pool, which links free records by their first
+// word: signature and reason stay to be seen. It holds no memory and no swap record, and
 // is on no list; a pending read goes with it.
 void destroySmartPage(SmartPage* page);
 // Records in use.

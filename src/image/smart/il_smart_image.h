@@ -58,6 +58,8 @@ class ilSmartImage : public ilSIDImage, private PageSource {
     [[nodiscard]] const char* className() const override;
     [[nodiscard]] const ClassDescriptor& classDescriptor() const override;
 
+    // Places that nobody has written, inside the bounds too, show the new fill; what was written
+    // stays.
     std::int32_t setFill(const ilPixel& pixel) override;
     std::int32_t readRegion(const ilTile& box, void* buffer, const ilTile& frame,
                             const ilImageConfig* config = nullptr) override;

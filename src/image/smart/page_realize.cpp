@@ -6,6 +6,7 @@
 #include "foundation/services/log.h"
 #include "image/cache/smart_image_cache.h"
 #include "image/smart/page_hold.h"
+#include "image/smart/pending_pages.h"
 
 namespace brushwork {
 namespace {
@@ -46,7 +47,7 @@ bool readPending(SmartImageCache& cache, SmartPageRef& slot) {
     config.coordSpace = SpaceLowerLeft;
     const ilTile box = flatTile(read.x, read.y, pageSide, pageSide);
     read.source->readRegion(box, page.data, box, &config);
-    dropPendingRead(page);
+    endPromise(page);
     return true;
 }
 
@@ -135,6 +136,17 @@ bool realizePage(SmartPageRef& slot, RealizeMode mode) {
     if (page.swapRecord) cache.dropSwapRecord(page);
     if (cache.checking()) static_cast<void>(cache.isConsistent());
     return true;
+}
+
+bool readPromised(const ilImage& source, std::int32_t x, std::int32_t y) {
+    bool done = true;
+    // Reading one may end others.
+    for (SmartPage* page = nextPromised(source, x, y); page;
+         page = nextPromised(source, x, y, page)) {
+        SmartPageRef held(page);
+        done = realizePage(held, RealizeMode::Read) && done;
+    }
+    return done;
 }
 
 bool expandPage(SmartPage& page) {

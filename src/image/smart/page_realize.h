@@ -31,6 +31,10 @@ enum class RealizeMode : std::int32_t {
 // pixels unchanged.
 [[nodiscard]] bool realizePage(SmartPageRef& slot, RealizeMode mode);
 
+// Reads all pages that still wait for `source` at the page origin (x, y), whoever holds them. False
+// if one can't be read for want of memory.
+[[nodiscard]] bool readPromised(const ilImage& source, std::int32_t x, std::int32_t y);
+
 // Gives a solid page memory filled with its value. For readers that need an address. A page in
 // memory is left alone; false without memory and for a page in another state.
 [[nodiscard]] bool expandPage(SmartPage& page);

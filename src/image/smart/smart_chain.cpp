@@ -6,6 +6,7 @@
 #include "image/smart/page_hold.h"
 #include "image/smart/page_realize.h"
 #include "image/smart/page_walk.h"
+#include "image/smart/pending_pages.h"
 
 namespace brushwork {
 namespace {
@@ -31,7 +32,7 @@ SmartPageRef ilSmartImage::parentPage(std::int32_t x, std::int32_t y) {
     ilImage* const parent = parentImage(0);
     if (!parent) return SmartPageRef();
     SmartPageRef page(makeSmartPage(pages_.channels(), pages_.solidValue()));
-    if (!page || !attachPendingRead(*page, *parent, x, y)) return SmartPageRef();
+    if (!page || !promisePage(*page, *parent, x, y)) return SmartPageRef();
     return page;
 }
 
@@ -120,7 +121,7 @@ std::int32_t ilSmartImage::pushToOther(ilImage& parent, PageWalk& walk) {
     while (walk.next()) {
         if (isUnread(*walk.slot(), parent, walk.x(), walk.y())) continue;
         std::int32_t given = ImageUnusable;
-        if (walk.realize(RealizeMode::Read)) {
+        if (readPromised(parent, walk.x(), walk.y()) && walk.realize(RealizeMode::Read)) {
             SmartPage& page = *walk.slot();
             const PageHold hold(page);
             given = page.isSolid()

@@ -69,14 +69,16 @@ std::int32_t ilSmartImage::copyRegion(const ilTile& box, ilImage& other, std::in
                                       inside.y, box.z, config, CopyDirection::FromOther);
     }
     ilSmartImage* const smart = from(&other);
-    // A target's pages must not show through an heir that is still being read from.
-    bool looked = true;
-    if (smart && fromOther && smart->descendsFrom(*this))
-        looked = smart->lookUpPages(flatTile(x, y, inside.nx, inside.ny));
-    if (smart && !fromOther && descendsFrom(*smart)) looked = lookUpPages(inside);
-    if (!looked) return ImageUnusable;
     const std::int32_t shiftX = x - inside.x;
     const std::int32_t shiftY = y - inside.y;
+    // A target's pages must not show through an heir that is still being read from. What has no
+    // place in the target isn't read.
+    const ilTile there = SmartBounds::clipped(shifted(inside, shiftX, shiftY));
+    bool looked = true;
+    if (smart && fromOther && smart->descendsFrom(*this)) looked = smart->lookUpPages(there);
+    if (smart && !fromOther && descendsFrom(*smart))
+        looked = lookUpPages(shifted(there, -shiftX, -shiftY));
+    if (!looked) return ImageUnusable;
     if (!copiesPlainly(box, other, oz, config))
         return copyInPieces(placed, other, shiftX, shiftY, oz - box.z, config, direction);
     if (fromOther) return copyIn(inside, other, shiftX, shiftY);
@@ -137,6 +139,8 @@ std::int32_t ilSmartImage::copyIn(const ilTile& box, ilImage& other, std::int32_
         SmartPageRef& slot = walk.slot();
         if (source && aligned && whole && sharePage(slot, *source, tile.x + dx, tile.y + dy))
             continue;
+        // Another holder keeps what stood there, in case that it can't be read.
+        const SmartPageRef former = whole && slot->locked == 0 ? slot : SmartPageRef();
         if (!walk.realize(whole ? RealizeMode::Overwrite : RealizeMode::Write)) {
             result = ImageUnusable;
             continue;
@@ -145,7 +149,13 @@ std::int32_t ilSmartImage::copyIn(const ilTile& box, ilImage& other, std::int32_
         const PageHold hold(page);
         const std::int32_t read =
             other.readRegion(shifted(part, dx, dy), page.data, shifted(tile, dx, dy), &own);
-        if (isFailure(read)) result = read;
+        if (isFailure(read)) {
+            result = read;
+            if (former) {
+                slot.assign(former.get(), ReleaseReason::SlotReplaced);
+                continue;
+            }
+        }
         notePageWritten(page);
         if (source && whole && channels_ == 4) {
             const AlphaClass known = source->alphaClassOf(shifted(part, dx, dy), false);

@@ -1,6 +1,7 @@
 #include "image/smart/smart_page_ref.h"
 
 #include "image/cache/smart_image_cache.h"
+#include "image/smart/pending_pages.h"
 
 namespace brushwork {
 namespace {
@@ -10,6 +11,7 @@ void finish(SmartPage& page) {
     if (page.refCount > 0 || page.cacheLocks > 0 || page.pins > 0) return;
     SmartImageCache& cache = SmartImageCache::instance();
     const std::uint32_t reason = page.stamp;
+    endPromise(page);
     cache.releasePage(page);
     page.state = PageState::ZeroReference;
     page.stamp = reason;

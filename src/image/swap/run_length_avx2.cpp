@@ -24,7 +24,6 @@ struct Bytes32 {
     }
     static void copyUpTo128(const std::uint8_t* from, std::uint8_t* to, std::size_t count) {
         store32(to, load32(from));
-        if (count <= 32) return;
         store32(to + 32, load32(from + 32));
         if (count <= 64) return;
         store32(to + 64, load32(from + 64));
@@ -33,7 +32,6 @@ struct Bytes32 {
     static void fillUpTo128(std::uint8_t value, std::uint8_t* to, std::size_t count) {
         const __m256i bytes = _mm256_set1_epi8(static_cast<char>(value));
         store32(to, bytes);
-        if (count <= 32) return;
         store32(to + 32, bytes);
         if (count <= 64) return;
         store32(to + 64, bytes);

@@ -1,8 +1,10 @@
 // What the vector forms of the run-length coder share; each includes it with vectors of its own.
 //
-// The encoder marks, 64 places at a time, each byte that equals the two before it. A repeat then
-// starts two places before a mark and ends with the marks in a row, so that only bit scans decide
-// and no byte is looked at one by one.
+// The encoder marks, 64 places at a time, each byte that equals the two before it, and notes where
+// marks begin and end: a repeat starts two places before its first mark. What stands between two
+// repeats is written together with the second one, in one step that takes no branch on lengths but
+// for the rare long ones: a branch on the length of paint is guessed wrong as often as not. The
+// decoder takes a literal and the repeat behind it in one step for the same reason.
 //
 // `Vectors` is a type of the including file alone, so that no two files share code that was
 // compiled for different processors. It offers
@@ -23,61 +25,52 @@ namespace brushwork {
 
 inline constexpr std::size_t mostMarked = 65536;  // bytes of the largest page
 
+// Where marks begin and end in a stream, by turns. An end of 0 is that of the largest stream.
 template <class Vectors>
-class RepeatMarks {
+class RepeatEdges {
   public:
     // At most `mostMarked` bytes, at least 64.
-    RepeatMarks(const std::uint8_t* bytes, std::size_t n) : n_(n) {
+    RepeatEdges(const std::uint8_t* bytes, std::size_t n) {
         const std::size_t whole = n / 64;
         // Nothing stands before the first byte.
         std::uint8_t first[65];
         first[0] = static_cast<std::uint8_t>(~bytes[0]);
         std::memcpy(first + 1, bytes, 64);
-        words_[0] = thirds(Vectors::equalBefore(first + 1), false);
-        for (std::size_t i = 1; i < whole; ++i)
-            words_[i] = thirds(Vectors::equalBefore(bytes + 64 * i), pairBefore(bytes + 64 * i));
-        const std::size_t rest = n % 64;
-        words_[whole] = 0;
-        if (rest > 0) {
+        add(Vectors::equalBefore(first + 1), 0);
+        for (std::size_t i = 1; i < whole; ++i) add(Vectors::equalBefore(bytes + 64 * i), 64 * i);
+        if (const std::size_t rest = n % 64) {
             const std::uint8_t* p = bytes + n - rest;
             std::uint8_t last[65] = {p[-1]};
             std::memcpy(last + 1, p, rest);
-            words_[whole] = thirds(Vectors::equalBefore(last + 1), pairBefore(p)) &
-                            ((std::uint64_t{1} << rest) - 1);
+            add(Vectors::equalBefore(last + 1) & ((std::uint64_t{1} << rest) - 1), n - rest);
         }
-        words_[whole + 1] = 0;
+        if (count_ % 2 != 0) places_[count_++] = static_cast<std::uint16_t>(n);
     }
 
-    // The first marked place from `place` on; n if there is none.
-    [[nodiscard]] std::size_t next(std::size_t place) const { return find(place, 0); }
-    // The first place from `place` on that isn't marked.
-    [[nodiscard]] std::size_t end(std::size_t place) const {
-        return find(place, ~std::uint64_t{0});
-    }
+    [[nodiscard]] const std::uint16_t* begin() const { return places_; }
+    [[nodiscard]] const std::uint16_t* end() const { return places_ + count_; }
 
   private:
-    static bool pairBefore(const std::uint8_t* p) { return p[-1] == p[-2]; }
-    static std::uint64_t thirds(std::uint64_t equal, bool before) {
-        return equal & (equal << 1 | static_cast<std::uint64_t>(before));
+    void add(std::uint64_t equal, std::size_t at) {
+        const std::uint64_t marks = equal & (equal << 1 | equalBefore_);
+        std::uint64_t edges = marks ^ (marks << 1 | markedBefore_);
+        equalBefore_ = equal >> 63;
+        markedBefore_ = marks >> 63;
+        const auto found = static_cast<std::size_t>(std::popcount(edges));
+        // Eight at a time, whether there are so many or not.
+        for (std::uint16_t* to = places_ + count_; edges != 0; to += 8)
+            for (std::size_t k = 0; k < 8; ++k) {
+                to[k] =
+                    static_cast<std::uint16_t>(at + static_cast<unsigned>(std::countr_zero(edges)));
+                edges &= edges - 1;
+            }
+        count_ += found;
     }
 
-    // Looks at the 57 places or more from `place` on at once, wherever it lies in its word: a
-    // branch for the end of a word would be guessed wrong as often as not.
-    [[nodiscard]] std::size_t find(std::size_t place, std::uint64_t turned) const {
-        while (place < n_) {
-            std::uint64_t bits;
-            std::memcpy(&bits, reinterpret_cast<const std::uint8_t*>(words_) + place / 8,
-                        sizeof bits);
-            bits = (bits ^ turned) >> (place % 8);
-            if (bits != 0)
-                return std::min(n_, place + static_cast<std::size_t>(std::countr_zero(bits)));
-            place = place / 8 * 8 + 64;
-        }
-        return n_;
-    }
-
-    std::size_t n_;
-    std::uint64_t words_[mostMarked / 64 + 2];
+    std::uint64_t equalBefore_ = 0, markedBefore_ = 0;
+    std::size_t count_ = 0;
+    // Marks of two repeats lie three places apart or more.
+    std::uint16_t places_[mostMarked / 3 * 2 + 16];
 };
 
 template <class Vectors>
@@ -86,6 +79,28 @@ class PacketRun {
     PacketRun(const std::uint8_t* bytes, std::size_t n, std::uint8_t* packets)
         : bytes_(bytes), packets_(packets), n_(n) {}
 
+    // Takes the repeats on whose marks `from` stands, as far as `to`. False: give up.
+    bool repeats(const std::uint16_t* from, const std::uint16_t* to) {
+        // A page is given up in its first half for having passed n / 2, then for coming near n.
+        const std::uint16_t* middle = from;
+        while (middle != to && endOf(middle) <= n_ / 2) middle += 2;
+        if (!quickly(from, middle, std::min(n_ / 2, n_ - 129))) return false;
+        for (; middle != to && input_ <= n_ / 2; middle += 2)
+            if (!repeat(middle[0], endOf(middle))) return false;
+        return quickly(middle, to, n_ - 129);
+    }
+    // What is left stands for itself.
+    bool rest() {
+        while (input_ < n_)
+            if (!literal(std::min(longestLiteral, n_ - input_))) return false;
+        return true;
+    }
+    [[nodiscard]] std::size_t output() const { return output_; }
+
+  private:
+    static std::size_t endOf(const std::uint16_t* edges) {
+        return std::size_t{static_cast<std::uint16_t>(edges[1] - 1)} + 1;
+    }
     // Before each packet the output ends at least 129 bytes before n, so that the longest one fits
     // with the overshoot of a whole copy.
     bool literal(std::size_t count) {
@@ -97,19 +112,49 @@ class PacketRun {
             std::memcpy(to + 1, bytes_ + input_, count);
         return advance(count, count + 1);
     }
-    bool repeat(std::size_t count) {
-        packets_[output_] = static_cast<std::uint8_t>(count);
-        packets_[output_ + 1] = bytes_[input_];
-        return advance(count, 2);
+    // The marks from `third` up to `end`, packet by packet.
+    bool repeat(std::size_t third, std::size_t end) {
+        while (third >= input_ + longestLiteral)
+            if (!literal(longestLiteral)) return false;
+        // The run of literals may have reached into this one.
+        third = std::max(third, input_ + 2);
+        if (third >= end) return true;
+        if (third > input_ + 2 && !literal(third - 2 - input_)) return false;
+        while (end - input_ >= 3) {
+            const std::size_t count = std::min(longestRepeat, end - input_);
+            packets_[output_] = static_cast<std::uint8_t>(count);
+            packets_[output_ + 1] = bytes_[input_];
+            if (!advance(count, 2)) return false;
+        }
+        return true;
     }
-    [[nodiscard]] std::size_t input() const { return input_; }
-    [[nodiscard]] std::size_t output() const { return output_; }
-
-  private:
     bool advance(std::size_t input, std::size_t output) {
         input_ += input;
         output_ += output;
         return (output_ <= n_ / 2 || input_ > n_ / 2) && n_ - output_ > 128;
+    }
+
+    // The same while the output may grow to `most`.
+    bool quickly(const std::uint16_t* from, const std::uint16_t* to, std::size_t most) {
+        for (; from != to; from += 2) {
+            const std::size_t third = from[0], end = endOf(from);
+            const std::size_t before = third - 2 - input_;
+            const std::size_t count = end - third + 2;
+            if (before >= longestLiteral - 2 || count > longestRepeat || n_ - input_ < 128) {
+                if (!repeat(third, end)) return false;
+                continue;
+            }
+            std::uint8_t* packet = packets_ + output_;
+            *packet = static_cast<std::uint8_t>(128 + before);
+            Vectors::copyUpTo128(bytes_ + input_, packet + 1, before);
+            const std::size_t used = before + static_cast<std::size_t>(before != 0);
+            packet[used] = static_cast<std::uint8_t>(count);
+            packet[used + 1] = bytes_[third];
+            output_ += used + 2;
+            input_ = end;
+            if (output_ > most) return false;
+        }
+        return true;
     }
 
     const std::uint8_t* bytes_;
@@ -122,22 +167,9 @@ template <class Vectors>
 std::size_t encodePackets(const std::uint8_t* bytes, std::size_t n, std::uint8_t* packets) {
     if (n <= 128) return n;
     if (n > mostMarked) return runLengthKernelsScalar.encode(bytes, n, packets);
-    const RepeatMarks<Vectors> marks(bytes, n);
+    const RepeatEdges<Vectors> edges(bytes, n);
     PacketRun<Vectors> run(bytes, n, packets);
-    std::size_t third = 0;  // the next mark whose two bytes before aren't written yet
-    while (run.input() < n) {
-        if (third < run.input() + 2) third = marks.next(run.input() + 2);
-        if (third - run.input() >= longestLiteral || third >= n) {
-            if (!run.literal(std::min(longestLiteral, n - run.input()))) return n;
-            continue;
-        }
-        const std::size_t before = third - 2 - run.input();
-        if (before > 0 && !run.literal(before)) return n;
-        const std::size_t end = marks.end(third);
-        while (end - run.input() >= 3)
-            if (!run.repeat(std::min(longestRepeat, end - run.input()))) return n;
-    }
-    return run.output();
+    return run.repeats(edges.begin(), edges.end()) && run.rest() ? run.output() : n;
 }
 
 template <class Vectors>
@@ -145,21 +177,18 @@ std::size_t decodePackets(const std::uint8_t* packets, std::size_t stored, std::
                           std::size_t n) {
     std::size_t done = 0;
     std::size_t at = 0;
-    // While whole copies stay inside both buffers.
-    while (stored - at >= 129 && n - done >= 128) {
-        const std::size_t header = packets[at];
-        // Guessing the kind of a packet from those before it beats telling it without a branch: the
-        // next header is then looked at before this one is through.
-        if (header > 128) {
-            const std::size_t count = header - 128;
-            Vectors::copyUpTo128(packets + at + 1, bytes + done, count);
-            at += 1 + count;
-            done += count;
-        } else {
-            Vectors::fillUpTo128(packets[at + 1], bytes + done, header);
-            at += 2;
-            done += header;
-        }
+    // While whole copies of a literal and of a repeat stay inside both buffers.
+    while (stored - at >= 131 && n - done >= 256) {
+        const std::size_t first = packets[at];
+        const std::size_t literal = first > 128 ? first - 128 : 0;
+        Vectors::copyUpTo128(packets + at + 1, bytes + done, literal);
+        at += literal + static_cast<std::size_t>(literal != 0);
+        done += literal;
+        const std::size_t second = packets[at];
+        if (second > 128) continue;
+        Vectors::fillUpTo128(packets[at + 1], bytes + done, second);
+        at += 2;
+        done += second;
     }
     const std::size_t rest =
         runLengthKernelsScalar.decode(packets + at, stored - at, bytes + done, n - done);

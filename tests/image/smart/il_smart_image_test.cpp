@@ -224,6 +224,44 @@ TEST_F(SmartImage, ReadsAnotherKindOfParentWhenAsked) {
     EXPECT_EQ(Ref<ilSmartImage>(new ilSmartImage(bits.get()))->reset(), ImageUnusable);
 }
 
+// Of a picture of an image that has another kind of parent, pages that nobody has read yet survive
+// what the image writes to that parent.
+TEST_F(SmartImage, PicturesKeepTheirPagesWhenTheParentIsWritten) {
+    const Ref<ilSPMemoryImg> memory(new ilSPMemoryImg(256, 128, 1));
+    std::memset(memory->data(), 0x33, 256 * 128);
+    const Ref<ilSmartImage> image(new ilSmartImage(memory.get()));
+    const Ref<ilSmartImage> child(new ilSmartImage(image.get()));
+    const Ref<ilSmartImage> before = image->clone();
+    const auto other = filled(0x44, 1);
+    const ilTile left = flatTile(0, 0, 128, 128);
+    ASSERT_EQ(image->copyRegion(left, *other, 0, 0, 0, nullptr, CopyDirection::FromOther), ImageOk);
+    // One way to write to the memory is the image's own push, another that of a child beneath which
+    // the image has been taken out.
+    ASSERT_EQ(image->pushToSource(), ImageOk);
+    EXPECT_EQ(memory->data()[0], 0x44);
+    EXPECT_EQ(before->getPixel(0, 0), 0x33u);
+    ASSERT_TRUE(child->collapse());
+    put(*child, flatTile(130, 3, 1, 1), 0x55);
+    ASSERT_EQ(child->pushToSource(), ImageOk);
+    EXPECT_EQ(memory->data()[3 * 256 + 130], 0x55);
+    EXPECT_EQ(before->getPixel(130, 3), 0x33u);
+}
+
+// Of a copy to its parent the heir keeps what was read; what the limit cuts off was not.
+TEST_F(SmartImage, HeirsKeepOnlyWhatACopyReads) {
+    const auto parent = filled(0);
+    const std::int32_t edge = coordinateLimit - 128;
+    put(*parent, flatTile(edge - 128, 0, 256, 128), 3);
+    const Ref<ilSmartImage> child(new ilSmartImage(parent.get()));
+    const ilTile across = flatTile(edge - 40, 10, 80, 20);
+    ASSERT_EQ(child->copyRegion(across, *parent, coordinateLimit - 40, 10, 0, nullptr,
+                                CopyDirection::ToOther),
+              ImageOk);
+    put(*parent, flatTile(edge - 128, 0, 256, 128), 4);
+    EXPECT_EQ(child->getPixel(edge - 1, 10), 3u);
+    EXPECT_EQ(child->getPixel(edge, 10), 4u);
+}
+
 TEST_F(SmartImage, TurnsToOtherSpaces) {
     const auto image = filled(0);
     for (std::int32_t y = 0; y < 3; ++y)

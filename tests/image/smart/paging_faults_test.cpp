@@ -128,6 +128,10 @@ TEST_P(PagingFaults, WhoEndsTheWaitKeepsThePagesInMemory) {
 
 TEST_P(PagingFaults, ACutSwapFileCostsOnlyWhatWasCutOff) {
     paintAll();
+    // All go out now: a page written later would make the file long again, with a hole in it.
+    rig_.cache.setCeiling(1);
+    ASSERT_EQ(counts().swapped, pageCount);
+    rig_.cache.setCeiling(8 * bigBytes);
     SwapFile& swap = rig_.cache.bigSwap();
     const std::uint64_t kept = swap.endOfFile() / 2 + 1000;  // inside a page
     {
@@ -157,8 +161,8 @@ TEST_P(PagingFaults, ACutSwapFileCostsOnlyWhatWasCutOff) {
 TEST_P(PagingFaults, TheLastDirectoryThatTakesAFileIsTaken) {
     std::filesystem::create_directories(rig_.root / "last");
     platform::PositionedFile file;
-    ASSERT_TRUE(file.open((rig_.root / "file").u16string(),
-                          platform::PositionedFile::Mode::CreateNew));
+    ASSERT_TRUE(
+        file.open((rig_.root / "file").u16string(), platform::PositionedFile::Mode::CreateNew));
     const auto in = [&](const char* name) { return (rig_.root / name).u16string(); };
     // Nobody can make a file below a file, whatever he may otherwise.
     rig_.cache.bigSwap().setDirectories([&] {

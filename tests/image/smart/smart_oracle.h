@@ -38,7 +38,10 @@ class SmartOracle {
         bool given = false;
     };
     using Bytes = std::vector<std::uint8_t>;
+    static constexpr std::int32_t side = 128;       // of a page
+    static constexpr std::uint8_t sentinel = 0xA7;  // where nothing was read to
 
+    [[nodiscard]] static std::string textOf(const ilTile& box);
     [[nodiscard]] std::uint64_t random();
     [[nodiscard]] std::int32_t pick(std::int32_t least, std::int32_t most);
     [[nodiscard]] bool chance(std::int32_t percent) { return pick(1, 100) <= percent; }

@@ -60,8 +60,7 @@ class TinyDisk {
     void takeRoom(std::uint64_t bytes) const {
         const std::string page(65536, 'x');
         platform::PositionedFile file;
-        if (!file.open((place_ / "ballast").u16string(),
-                       platform::PositionedFile::Mode::CreateNew))
+        if (!file.open((place_ / "ballast").u16string(), platform::PositionedFile::Mode::CreateNew))
             return;
         for (std::uint64_t at = 0; at < bytes; at += page.size())
             if (!file.writeAt(at, page.data(), page.size())) return;
