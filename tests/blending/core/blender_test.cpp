@@ -2,9 +2,9 @@
 
 #include <gtest/gtest.h>
 
-#include "blending/allocation_count.h"
 #include "blending/core/blend_layout.h"
 #include "foundation/tasks/task_pool.h"
+#include "support/allocation_count.h"
 
 namespace brushwork {
 namespace {

@@ -10,8 +10,8 @@
 #include <vector>
 
 #include "foundation/services/random_source.h"
-#include "strokes/allocation_count.h"
 #include "strokes/path/stroke_switches.h"
+#include "support/allocation_count.h"
 
 namespace brushwork {
 namespace {

@@ -8,7 +8,7 @@
 #include <string>
 #include <utility>
 
-#include "strokes/allocation_count.h"
+#include "support/allocation_count.h"
 
 namespace brushwork::npc {
 namespace {

@@ -9,8 +9,8 @@
 
 #include "foundation/tasks/task_pool.h"
 #include "image/filter/kernel_recipe.h"
-#include "strokes/allocation_count.h"
 #include "strokes/stamp/stamp_bands.h"
+#include "support/allocation_count.h"
 
 namespace brushwork::npc {
 namespace {

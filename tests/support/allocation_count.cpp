@@ -1,4 +1,4 @@
-#include "blending/allocation_count.h"
+#include "support/allocation_count.h"
 
 #include <cstdlib>
 #include <new>
