@@ -77,7 +77,7 @@ PictureFacts factsOf(const RequestRecord& response) {
 
 // The system ends a process a little before the account of its time shows the whole limit.
 bool outOfTime(const SpawnReport& report) {
-    constexpr double accountLag = 0.1;
+    constexpr double accountLag = 0.25;
     const std::uint32_t limit = bridgeSettings().cpuSeconds;
     return limit != 0 && report.cpuSeconds + accountLag >= limit;
 }
