@@ -17,6 +17,7 @@ template <class L, class Formula>
 class ByteRowWalk {
   public:
     static void run(const Formula& formula, const KernelRow& row) {
+        static_assert(hasPlain || hasMasked, "the formula's forms don't take what rows give them");
         noteKernelForm(L::level);
         if constexpr (hasMasked)
             if (row.mask != nullptr) return runMasked(formula, row);
