@@ -23,11 +23,15 @@ bool ilSmartImage::hasParent() {
     return smartParent_ || parentImage(0) != nullptr;
 }
 
-// What lies beyond the parent's bounds is the parent's fill.
+// What lies beyond the parent's bounds is the parent's fill. A parent that has grown since may show
+// more on the page than this image's bounds hold: they grow with it, else a later trim would cut
+// pixels off that readers have seen.
 SmartPageRef ilSmartImage::parentPage(std::int32_t x, std::int32_t y) {
     if (smartParent_) {
         const SmartPageRef* const slot = smartParent_->pages_.pageRef(x, y, false);
-        return slot ? *slot : SmartPageRef();
+        if (!slot) return SmartPageRef();
+        grow(intersection(flatTile(x, y, pageSide, pageSide), smartParent_->boxes_.content));
+        return *slot;
     }
     ilImage* const parent = parentImage(0);
     if (!parent) return SmartPageRef();

@@ -262,6 +262,21 @@ TEST_F(SmartImage, HeirsKeepOnlyWhatACopyReads) {
     EXPECT_EQ(child->getPixel(edge, 10), 4u);
 }
 
+// A parent that has grown shows more on a page than its child's bounds held; what a reader has seen
+// there outlives a trim on another side.
+TEST_F(SmartImage, BoundsHoldWhatAnInheritedPageShows) {
+    const auto parent = filled(0);
+    put(*parent, flatTile(0, 0, 100, 100), red);
+    const Ref<ilSmartImage> child(new ilSmartImage(parent.get()));
+    put(*parent, flatTile(0, 100, 100, 20), red);
+    put(*child, flatTile(256, 0, 128, 128), red);
+    EXPECT_EQ(child->getPixel(50, 110), red);
+    EXPECT_TRUE(boundsOf(*child).contains(flatTile(0, 100, 100, 20)));
+    child->fillRegion(flatTile(256, 0, 128, 128), pixelOf(0));
+    EXPECT_EQ(boundsOf(*child).endX(), 128);
+    EXPECT_EQ(child->getPixel(50, 110), red);
+}
+
 TEST_F(SmartImage, TurnsToOtherSpaces) {
     const auto image = filled(0);
     for (std::int32_t y = 0; y < 3; ++y)

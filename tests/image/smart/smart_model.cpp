@@ -108,7 +108,12 @@ bool ModelImage::asksParent(std::int32_t x, std::int32_t y) const {
 }
 
 ModelPageRef ModelImage::parentPage(std::int32_t x, std::int32_t y) {
-    if (parent_) return parent_->page(x, y, false);
+    if (parent_) {
+        const ModelPageRef shown = parent_->page(x, y, false);
+        const ilTile grownTo = intersection(flatTile(x, y, side, side), parent_->bounds_);
+        if (!grownTo.isEmpty()) grow(grownTo);
+        return shown;
+    }
     ModelPageRef read = uniformPage(0);
     for (std::int32_t py = y; py < y + side; ++py)
         for (std::int32_t px = x; px < x + side; ++px)
@@ -351,6 +356,7 @@ void ModelImage::setSource(const std::shared_ptr<ModelImage>& parent,
 
 std::shared_ptr<ModelImage> ModelImage::clone() {
     auto copy = std::make_shared<ModelImage>(window_, channels_, fill_);
+    lookUp(bounds_);
     copy->bounds_ = copy->modified_ = bounds_;
     eachPage(bounds_, [&](std::int32_t x, std::int32_t y) {
         const ModelPageRef from = page(x, y, false);

@@ -2,8 +2,9 @@
 // that are whole arrays of pixels. No cache, no swap file, no solid pages, no states.
 //
 // The rules that it knows beside the pixels are those that a caller can see: an image follows its
-// parent where it hasn't looked yet and keeps what it has looked at; beyond its bounds there is
-// fill; what a smaller box cuts off is fill for good.
+// parent where it hasn't looked yet and keeps what it has looked at, its bounds growing by what the
+// parent shows there; beyond its bounds there is fill; what a smaller box cuts off is fill for
+// good.
 #pragma once
 
 #include <cstdint>
