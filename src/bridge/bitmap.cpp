@@ -1,5 +1,7 @@
 #include "bridge/bitmap.h"
 
+#include <utility>
+
 namespace brushwork::Gdiplus {
 
 using platform::ImagingStatus;
@@ -16,6 +18,13 @@ Bitmap Bitmap::fromMemory(std::span<const std::uint8_t> bytes) {
     Bitmap bitmap;
     ImagingStatus status = ImagingStatus::Ok;
     bitmap.picture_ = platform::imagingService().openMemory(bytes, status);
+    bitmap.store(status);
+    return bitmap;
+}
+
+Bitmap Bitmap::fromPicture(std::unique_ptr<platform::Picture> picture, ImagingStatus status) {
+    Bitmap bitmap;
+    bitmap.picture_ = std::move(picture);
     bitmap.store(status);
     return bitmap;
 }

@@ -17,6 +17,9 @@ class Bitmap {
     static Bitmap fromFile(std::u16string_view path);
     // `bytes` must outlive the bitmap.
     static Bitmap fromMemory(std::span<const std::uint8_t> bytes);
+    // Null makes a bitmap that failed to open, with that status.
+    static Bitmap fromPicture(std::unique_ptr<platform::Picture> picture,
+                              platform::ImagingStatus status = platform::ImagingStatus::Ok);
 
     [[nodiscard]] std::int32_t width() const;
     [[nodiscard]] std::int32_t height() const;

@@ -17,6 +17,9 @@ namespace brushwork {
 // 255; a pixel of alpha 0 becomes 0, 0, 0, 0.
 void unpremultiply(std::uint8_t* pixels, std::size_t count);
 
+// The other way, as the imaging service premultiplies: (c * a + 127) / 255 of each colour.
+void premultiply(std::uint8_t* pixels, std::size_t count);
+
 // Exchanges the first and the third byte of each four-byte pixel, in place.
 void swapRedAndBlue(std::uint8_t* pixels, std::size_t count);
 

@@ -1,5 +1,7 @@
 #include "bridge/spawn_bridge.h"
 
+#include <mutex>
+
 #include "bridge/exchange_name.h"
 #include "foundation/files/file.h"
 #include "platform/process_calls.h"
@@ -8,6 +10,16 @@
 namespace brushwork {
 
 namespace {
+
+struct Override {
+    std::mutex mutex;
+    znString::IString path;
+};
+
+Override& programOverride() {
+    static Override chosen;
+    return chosen;
+}
 
 bool wantsEcho(const RequestRecord& request) {
     const znString::IString command(fieldText(request.command));
@@ -23,8 +35,19 @@ bool echoes(const ImageFileParams& request, const ImageFileParams& response) {
 }  // namespace
 
 znString::IString bridgeProgramPath() {
+    {
+        Override& other = programOverride();
+        const std::lock_guard lock(other.mutex);
+        if (!other.path.isEmpty()) return other.path;
+    }
     return znString::IString(platform::joinPath(platform::programDirectory(),
                                                 platform::programFileName(u"InkAtelierBridge")));
+}
+
+void setBridgeProgramPath(const znString::IString& path) {
+    Override& other = programOverride();
+    const std::lock_guard lock(other.mutex);
+    other.path = path;
 }
 
 bool spawnBridge(const RequestRecord& request, RequestRecord& response, SpawnReport* report) {

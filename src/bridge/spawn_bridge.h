@@ -14,8 +14,11 @@ struct SpawnReport {
     double cpuSeconds = 0.0;  // processor time of the helper
 };
 
-// The helper's path: InkAtelierBridge beside the running program.
+// The helper's path: InkAtelierBridge beside the running program, or what was set instead.
 [[nodiscard]] znString::IString bridgeProgramPath();
+// For programs whose helper stands elsewhere; an empty path takes it back. Any thread; requests
+// that have begun keep the helper that they found.
+void setBridgeProgramPath(const znString::IString& path);
 
 // Writes the request under a temporary name, runs the helper on it, waits for its end without a
 // limit, and reads the response from the request's responsePath. True if a whole response came

@@ -69,7 +69,7 @@ ProcessResult runProcess(std::u16string_view program,
         ended = false;
         break;
     }
-    noteRunningChild(0);
+    dropRunningChild(child);
     if (!ended) return result;
     result.cpuSeconds = seconds(usage.ru_utime) + seconds(usage.ru_stime);
     if (WIFEXITED(status)) {

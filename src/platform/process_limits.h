@@ -19,7 +19,7 @@ enum class AfterCleanUp {
     EndBySignal,     // it ends as the signal would have ended it
 };
 
-// From now on a signal that ends the process has noted files removed and a noted child told to end
+// From now on a signal that ends the process has noted files removed and noted children told to end
 // first. Writing to a closed pipe or beyond a file size limit becomes an ordinary failure.
 void cleanUpOnSignals(AfterCleanUp after);
 
@@ -29,11 +29,14 @@ void cleanUpOnSignals(AfterCleanUp after);
 void applyProcessLimits(const ProcessLimits& limits);
 
 // Names a file that must not survive if the process is ended by a signal or by its time limit
-// before the matching dropPartialFile. Eight can be named at once; more are ignored.
+// before the matching dropPartialFile. So many can be named at once; more are ignored. Any thread.
+inline constexpr int partialFileRoom = 48;  // what sixteen requests to the helper name
 void notePartialFile(std::u16string_view path);
 void dropPartialFile(std::u16string_view path);
 
-// The process that this one waits for, by the system's number; 0 for none.
+// A process that this one waits for, by the system's number, until it is dropped. 64 can be noted
+// at once; more are ignored. Any thread.
 void noteRunningChild(std::int64_t process);
+void dropRunningChild(std::int64_t process);
 
 }  // namespace brushwork::platform

@@ -16,6 +16,7 @@
 #include <csignal>
 #include <cstddef>
 #include <cstring>
+#include <mutex>
 
 #include "platform/process_limits.h"
 #include "platform/text_codec.h"
@@ -33,10 +34,17 @@ constexpr bool sanitized = false;
 
 constexpr int failureExit = 255;
 
-// Read by a signal handler: fixed storage, and a slot's first byte is written last.
-std::array<std::array<char, PATH_MAX>, 8> partialFiles{};
-std::atomic<pid_t> runningChild{0};
+// Read by a signal handler, which takes no lock: fixed storage, and a slot's first byte is written
+// last.
+std::array<std::array<char, PATH_MAX>, partialFileRoom> partialFiles{};
+std::array<std::atomic<pid_t>, 64> runningChildren{};
 volatile std::sig_atomic_t endBySignal = 0;
+
+// Of those who note and drop.
+std::mutex& partialFilesLock() {
+    static std::mutex mutex;
+    return mutex;
+}
 
 void removePartialFiles() {
     for (const auto& path : partialFiles)
@@ -44,8 +52,8 @@ void removePartialFiles() {
 }
 
 void endAfterCleanUp(int signal) {
-    const pid_t child = runningChild.load();
-    if (child > 0) ::kill(child, SIGTERM);
+    for (const auto& slot : runningChildren)
+        if (const pid_t child = slot.load(); child > 0) ::kill(child, SIGTERM);
     removePartialFiles();
     if (endBySignal == 0) ::_exit(failureExit);
     std::signal(signal, SIG_DFL);
@@ -160,7 +168,17 @@ void cleanUpOnSignals(AfterCleanUp after) {
 }
 
 void noteRunningChild(std::int64_t process) {
-    runningChild = static_cast<pid_t>(process);
+    for (auto& slot : runningChildren) {
+        pid_t none = 0;
+        if (slot.compare_exchange_strong(none, static_cast<pid_t>(process))) return;
+    }
+}
+
+void dropRunningChild(std::int64_t process) {
+    for (auto& slot : runningChildren) {
+        auto child = static_cast<pid_t>(process);
+        if (slot.compare_exchange_strong(child, 0)) return;
+    }
 }
 
 void applyProcessLimits(const ProcessLimits& limits) {
@@ -176,6 +194,7 @@ void applyProcessLimits(const ProcessLimits& limits) {
 void notePartialFile(std::u16string_view path) {
     const std::string text = toUtf8(path);
     if (text.empty() || text.size() >= PATH_MAX) return;
+    const std::lock_guard lock(partialFilesLock());
     for (auto& slot : partialFiles) {
         if (slot[0] != '\0') continue;
         std::memcpy(slot.data() + 1, text.data() + 1, text.size() - 1);
@@ -187,6 +206,7 @@ void notePartialFile(std::u16string_view path) {
 
 void dropPartialFile(std::u16string_view path) {
     const std::string text = toUtf8(path);
+    const std::lock_guard lock(partialFilesLock());
     for (auto& slot : partialFiles)
         if (text == slot.data()) slot[0] = '\0';
 }

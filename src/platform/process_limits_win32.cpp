@@ -6,6 +6,7 @@
 #include <csignal>
 #include <cstdlib>
 #include <cwchar>
+#include <mutex>
 #include <string>
 
 #include "platform/process_limits.h"
@@ -27,7 +28,13 @@ struct PartialSlot {
     std::atomic<bool> used{false};
     std::array<wchar_t, 4096> path{};
 };
-std::array<PartialSlot, 4> partialFiles;
+std::array<PartialSlot, partialFileRoom> partialFiles;
+
+// Of those who note and drop; whoever dies takes no lock.
+std::mutex& partialFilesLock() {
+    static std::mutex mutex;
+    return mutex;
+}
 
 struct FileIdentity {
     DWORD volume = 0;
@@ -175,6 +182,7 @@ void cleanUpOnSignals(AfterCleanUp) {
 
 // A console tells every process in it of its end, children included.
 void noteRunningChild(std::int64_t) {}
+void dropRunningChild(std::int64_t) {}
 
 void applyProcessLimits(const ProcessLimits& limits) {
     cleanUpOnSignals(AfterCleanUp::EndWithFailure);
@@ -185,6 +193,7 @@ void applyProcessLimits(const ProcessLimits& limits) {
 void notePartialFile(std::u16string_view path) {
     const std::wstring text = toWide(path);
     if (text.empty() || holdsTerminator(path)) return;
+    const std::lock_guard lock(partialFilesLock());
     for (auto& slot : partialFiles) {
         if (text.size() >= slot.path.size()) return;
         if (slot.used.load(std::memory_order_relaxed)) continue;
@@ -196,6 +205,7 @@ void notePartialFile(std::u16string_view path) {
 
 void dropPartialFile(std::u16string_view path) {
     const std::wstring text = toWide(path);
+    const std::lock_guard lock(partialFilesLock());
     for (auto& slot : partialFiles)
         if (slot.used.load(std::memory_order_relaxed) && text == slot.path.data())
             slot.used.store(false, std::memory_order_release);

@@ -5,11 +5,15 @@
 #include <array>
 #include <cctype>
 #include <cstdio>
+#include <filesystem>
+#include <map>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
 
+#include "foundation/tasks/processor_count.h"
+#include "tools/convert_pictures.h"
 #include "tools/picture_exchange.h"
 #include "tools/progress_bar.h"
 
@@ -113,43 +117,119 @@ int runInfo(const InfoOptions& options) {
 }
 
 struct ConvertOptions {
-    std::string input;
-    std::string output;
+    std::vector<std::string> files;  // IN and OUT, or many with `directory`
+    std::string directory;
     std::string format;
     int quality = -1;
     double dotsPerInch = 0.0;
+    int jobs = 0;  // 0: one a processor
     bool json = false;
 };
 
-int fail(const Failure& failure) {
-    say(failure.message);
-    return failure.code;
+int usage(const std::string& message) {
+    say(message);
+    return ExitUsage;
+}
+
+SaveOptions saveOptions(const ConvertOptions& options) {
+    SaveOptions save;
+    save.format = formatOf(options.format);
+    if (options.quality >= 0) save.quality = options.quality;
+    if (options.dotsPerInch > 0.0) save.dotsPerInch = options.dotsPerInch;
+    return save;
+}
+
+Json toJson(const Conversion& conversion, const Converted& result) {
+    Json json{{"file", conversion.output}};
+    if (result.failure)
+        json["error"] = result.failure->message;
+    else
+        json = toJson(conversion.output, result.written);
+    json["input"] = conversion.input;
+    return json;
+}
+
+int convertOne(const ConvertOptions& options) {
+    Conversion conversion{options.files[0], options.files[1], saveOptions(options), options.json};
+    if (options.format.empty()) conversion.save.format = formatOfPath(conversion.output);
+    if (conversion.save.format.empty())
+        return usage(conversion.output + ": the ending names no format; give one with --format");
+    const Converted result = convertPicture(conversion);
+    if (result.failure) {
+        say(result.failure->message);
+        return result.failure->code;
+    }
+    if (options.json) std::printf("%s\n", dump(toJson(conversion, result)).c_str());
+    return ExitDone;
+}
+
+// Where each file goes; empty, with a message said, if two would go to one place.
+std::vector<Conversion> planConversions(const ConvertOptions& options) {
+    const SaveOptions save = saveOptions(options);
+    const auto row = std::find_if(extensions.begin(), extensions.end(), [&](const Extension& each) {
+        return save.format == each.format;
+    });
+    std::vector<Conversion> conversions;
+    std::map<std::string, std::string> taken;
+    for (const auto& file : options.files) {
+        auto name = std::filesystem::path(file).stem();
+        name += std::string(".") + row->ending;
+        const std::string output = (std::filesystem::path(options.directory) / name).string();
+        const auto [place, isNew] = taken.emplace(output, file);
+        if (!isNew) {
+            say(place->second + " and " + file + " would both become " + output);
+            return {};
+        }
+        conversions.push_back({file, output, save, options.json});
+    }
+    return conversions;
+}
+
+// Goes on past failures; the first in the order of the files sets the exit code.
+int convertMany(const ConvertOptions& options) {
+    if (options.format.empty()) return usage("--into needs --format");
+    std::error_code error;
+    if (!std::filesystem::is_directory(options.directory, error)) {
+        say(options.directory + ": no such directory");
+        return ExitInputOutput;
+    }
+    const auto conversions = planConversions(options);
+    if (conversions.empty()) return ExitUsage;
+
+    ProgressBar progress(conversions.size());
+    const auto results =
+        convertPictures(conversions, options.jobs > 0 ? options.jobs : processorCount(),
+                        [&](std::size_t, const Converted& result) {
+                            if (result.failure) {
+                                progress.clear();
+                                say(result.failure->message);
+                            }
+                            progress.step();
+                        });
+    progress.clear();
+
+    int exitCode = ExitDone;
+    std::size_t failed = 0;
+    Json all = Json::array();
+    for (std::size_t i = 0; i < results.size(); ++i) {
+        if (options.json) all.push_back(toJson(conversions[i], results[i]));
+        if (!results[i].failure) continue;
+        ++failed;
+        if (exitCode == ExitDone) exitCode = results[i].failure->code;
+    }
+    if (options.json) std::printf("%s\n", dump(all).c_str());
+    say(std::to_string(results.size() - failed) + " of " + std::to_string(results.size()) +
+        " converted" + (failed > 0 ? ", " + std::to_string(failed) + " failed" : ""));
+    return exitCode;
 }
 
 int runConvert(const ConvertOptions& options) {
-    SaveOptions save;
-    save.format = options.format.empty() ? formatOfPath(options.output) : formatOf(options.format);
-    if (save.format.empty()) {
-        say(options.output + ": the ending names no format; give one with --format");
-        return ExitUsage;
-    }
-    if (options.quality >= 0) save.quality = options.quality;
-    if (options.dotsPerInch > 0.0) save.dotsPerInch = options.dotsPerInch;
-
-    OpenedPicture picture;
-    if (const auto failure = picture.open(options.input)) return fail(*failure);
-    if (const auto failure = picture.straighten()) return fail(*failure);
-    if (const auto failure = savePicture(picture, options.output, save)) return fail(*failure);
-    if (options.json) {
-        // What the file says of itself: formats round resolutions, or have none.
-        PictureFacts written;
-        if (const auto failure = readPictureSize(options.output, written)) return fail(*failure);
-        written.format = save.format;
-        Json json = toJson(options.output, written);
-        json["input"] = options.input;
-        std::printf("%s\n", dump(json).c_str());
-    }
-    return ExitDone;
+    if (!options.format.empty() && formatOf(options.format).empty())
+        return usage("--format: " + options.format + " is none of BMP, JPEG, PNG, GIF, TIFF");
+    if (!options.directory.empty()) return convertMany(options);
+    if (options.files.size() != 2)
+        return usage("convert takes IN and OUT, or any number of files with --into");
+    return convertOne(options);
 }
 
 void addInfo(CLI::App& image, int& exitCode) {
@@ -167,10 +247,16 @@ void addInfo(CLI::App& image, int& exitCode) {
 }
 
 void addConvert(CLI::App& image, int& exitCode) {
-    auto* command = image.add_subcommand("convert", "Write a picture in another format");
+    auto* command = image.add_subcommand("convert", "Write pictures in another format");
     auto options = std::make_shared<ConvertOptions>();
-    command->add_option("IN", options->input, "Picture file to read")->required();
-    command->add_option("OUT", options->output, "Picture file to write")->required();
+    command->add_option("FILE", options->files, "IN and OUT; with --into picture files to read")
+        ->required();
+    command->add_option("--into", options->directory,
+                        "Write each FILE into this directory, under its name with a new ending");
+    command
+        ->add_option("--jobs", options->jobs,
+                     "How many pictures to work on at once; otherwise one a processor")
+        ->check(CLI::Range(1, 1024));
     command->add_option("--format", options->format,
                         "BMP, JPEG, PNG, GIF or TIFF; otherwise OUT's ending decides");
     command->add_option("--quality", options->quality, "JPEG quality, 0 to 100")
@@ -186,19 +272,15 @@ void addConvert(CLI::App& image, int& exitCode) {
                 return good ? "" : "a resolution lies between 1 and 65535";
             },
             "1 - 65535");
-    command->add_flag("--json", options->json, "Describe OUT as an object on standard output");
+    command->add_flag(
+        "--json", options->json,
+        "Describe what was written on standard output: an object, with --into an array");
     command->footer(
         "Examples:\n"
         "  brushwork image convert scan.tif scan.png\n"
-        "  brushwork image convert photo.png photo.jpg --quality 92 --dpi 300");
-    command->callback([options, &exitCode] {
-        if (!options->format.empty() && formatOf(options->format).empty()) {
-            say("--format: " + options->format + " is none of BMP, JPEG, PNG, GIF, TIFF");
-            exitCode = ExitUsage;
-            return;
-        }
-        exitCode = runConvert(*options);
-    });
+        "  brushwork image convert photo.png photo.jpg --quality 92 --dpi 300\n"
+        "  brushwork image convert *.tif --into web --format jpeg --jobs 4");
+    command->callback([options, &exitCode] { exitCode = runConvert(*options); });
 }
 
 }  // namespace

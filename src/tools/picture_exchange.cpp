@@ -4,14 +4,10 @@
 #include <filesystem>
 #include <vector>
 
-#include "bridge/exchange_name.h"
 #include "bridge/pixel_order.h"
 #include "bridge/raw_pixel_file.h"
-#include "bridge/spawn_bridge.h"
 #include "brushwork/filename.h"
-#include "foundation/files/file.h"
 #include "foundation/services/settings.h"
-#include "platform/process_limits.h"
 #include "platform/swap_io.h"
 
 namespace brushwork::tools {
@@ -20,46 +16,20 @@ namespace {
 
 using znString::IString;
 
-// One request with its response file, which is removed with the object.
-class Exchange {
-  public:
-    explicit Exchange(std::u16string_view command) : responsePath_(exchangeFileName()) {
-        platform::notePartialFile(responsePath_.view());
-        ready_ = !responsePath_.isEmpty() && request.setCommand(IString(command)) &&
-                 request.setResponsePath(responsePath_);
-    }
-    Exchange(const Exchange&) = delete;
-    Exchange& operator=(const Exchange&) = delete;
-    ~Exchange() {
-        if (responsePath_.isEmpty()) return;
-        static_cast<void>(znOS::File::remove(responsePath_));
-        platform::dropPartialFile(responsePath_.view());
-    }
+// What went wrong before the helper could look at the picture, if anything did.
+std::optional<Failure> startFailure(const BridgeExchange& exchange) {
+    const SpawnReport& report = exchange.report;
+    if (!report.helperFound)
+        return Failure{ExitFailed, "the helper is missing: " + bridgeProgramPath().toUtf8()};
+    if (!exchange.isReady())
+        return Failure{ExitInputOutput, "no file can be made in the temporary directory"};
+    if (!report.requestWritten)
+        return Failure{ExitInputOutput, "the temporary directory can't be written"};
+    if (!report.started) return Failure{ExitFailed, "the helper can't be started"};
+    return std::nullopt;
+}
 
-    bool run() { return ready_ && spawnBridge(request, response, &report); }
-
-    // What went wrong before the helper could look at the picture, if anything did.
-    [[nodiscard]] std::optional<Failure> startFailure() const {
-        if (!ready_)
-            return Failure{ExitInputOutput, "no file can be made in the temporary directory"};
-        if (!report.helperFound)
-            return Failure{ExitFailed, "the helper is missing: " + bridgeProgramPath().toUtf8()};
-        if (!report.requestWritten)
-            return Failure{ExitInputOutput, "the temporary directory can't be written"};
-        if (!report.started) return Failure{ExitFailed, "the helper can't be started"};
-        return std::nullopt;
-    }
-
-    RequestRecord request;
-    RequestRecord response;
-    SpawnReport report;
-
-  private:
-    IString responsePath_;
-    bool ready_ = false;
-};
-
-std::optional<Failure> setInput(Exchange& exchange, const std::string& path) {
+std::optional<Failure> setInput(BridgeExchange& exchange, const std::string& path) {
     const IString wide(std::string_view{path});
     if (!exchange.request.setImagePath(wide))
         return Failure{ExitInputOutput, path + ": the path is longer than 259 units"};
@@ -117,39 +87,32 @@ Failure openFailure(const std::string& path, const SpawnReport& report) {
 }  // namespace
 
 std::optional<Failure> readPictureSize(const std::string& path, PictureFacts& facts) {
-    Exchange exchange(u"GetSize");
+    BridgeExchange exchange(u"GetSize");
     if (auto failure = setInput(exchange, path)) return failure;
     if (!exchange.run()) {
-        if (auto failure = exchange.startFailure()) return failure;
+        if (auto failure = startFailure(exchange)) return failure;
         return Failure{ExitBadInput, path + ": not a picture that can be read"};
     }
     facts = factsOf(exchange.response);
     return std::nullopt;
 }
 
-OpenedPicture::~OpenedPicture() {
-    if (pixelsPath_.isEmpty()) return;
-    static_cast<void>(znOS::File::remove(pixelsPath_));
-    platform::dropPartialFile(pixelsPath_.view());
-}
-
 std::optional<Failure> OpenedPicture::open(const std::string& path) {
-    Exchange exchange(u"OpenFromFile");
+    BridgeExchange exchange(u"OpenFromFile");
     if (auto failure = setInput(exchange, path)) return failure;
     if (!exchange.run()) {
-        if (auto failure = exchange.startFailure()) return failure;
+        if (auto failure = startFailure(exchange)) return failure;
         return openFailure(path, exchange.report);
     }
     facts_ = factsOf(exchange.response);
-    pixelsPath_ = IString(fieldText(exchange.response.pixelsPath));
-    platform::notePartialFile(pixelsPath_.view());
+    pixels_.take(IString(fieldText(exchange.response.pixelsPath)));
     return std::nullopt;
 }
 
 std::optional<Failure> OpenedPicture::straighten() {
     if (!arrivesPremultiplied(IString(std::string_view{facts_.format}).view())) return std::nullopt;
     platform::PositionedFile file;
-    if (!file.open(pixelsPath_.view(), platform::PositionedFile::Mode::ReadWrite))
+    if (!file.open(pixelsPath().view(), platform::PositionedFile::Mode::ReadWrite))
         return Failure{ExitInputOutput, "the pixels can't be read"};
     std::vector<std::uint8_t> block(256 * 1024);
     const std::uint64_t size = file.size();
@@ -167,7 +130,7 @@ std::optional<Failure> OpenedPicture::straighten() {
 
 std::optional<Failure> savePicture(const OpenedPicture& picture, const std::string& path,
                                    const SaveOptions& options) {
-    Exchange exchange(u"SaveToFile");
+    BridgeExchange exchange(u"SaveToFile");
     RequestRecord& request = exchange.request;
     const PictureFacts& facts = picture.facts();
     request.setSize(facts.width, facts.height);
@@ -181,7 +144,7 @@ std::optional<Failure> savePicture(const OpenedPicture& picture, const std::stri
         !request.setImagePath(IString(std::string_view{path})))
         return Failure{ExitInputOutput, path + ": the path is longer than 259 units"};
     if (exchange.run()) return std::nullopt;
-    if (auto failure = exchange.startFailure()) return failure;
+    if (auto failure = startFailure(exchange)) return failure;
     if (outOfTime(exchange.report))
         return Failure{ExitLimit, path + ": encoding took longer than allowed"};
     return Failure{ExitInputOutput, path + ": can't be written as " + options.format};

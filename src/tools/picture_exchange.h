@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 
+#include "bridge/bridge_exchange.h"
 #include "brushwork/i_string.h"
 #include "tools/exit_codes.h"
 
@@ -27,21 +28,16 @@ struct Failure {
 // A picture whose pixels stand in an exchange file, removed with the object.
 class OpenedPicture {
   public:
-    OpenedPicture() = default;
-    OpenedPicture(const OpenedPicture&) = delete;
-    OpenedPicture& operator=(const OpenedPicture&) = delete;
-    ~OpenedPicture();
-
     // The helper decodes the file.
     [[nodiscard]] std::optional<Failure> open(const std::string& path);
     // Makes the pixels straight, as encoders want them.
     [[nodiscard]] std::optional<Failure> straighten();
     [[nodiscard]] const PictureFacts& facts() const { return facts_; }
-    [[nodiscard]] const znString::IString& pixelsPath() const { return pixelsPath_; }
+    [[nodiscard]] const znString::IString& pixelsPath() const { return pixels_.path(); }
 
   private:
     PictureFacts facts_;
-    znString::IString pixelsPath_;
+    ExchangeFile pixels_;
 };
 
 // The helper reads the header only: a picture damaged further on isn't noticed.

@@ -2,7 +2,10 @@
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 
+#include <algorithm>
 #include <cstdio>
+#include <filesystem>
+#include <fstream>
 #include <nlohmann/json.hpp>
 #include <string>
 
@@ -35,6 +38,28 @@ Outcome brushwork(const TempFolder& folder, const std::string& arguments,
 
 std::string picture(const std::string& name) {
     return "'" + std::string(BRUSHWORK_TEST_DATA) + "/pictures/" + name + "'";
+}
+
+// A bitmap file of noise, which takes long to reduce to 256 colours: seconds for 25 megapixels.
+std::vector<std::uint8_t> noiseBitmap(std::int32_t side) {
+    std::vector<std::uint8_t> bmp(54 + std::size_t{3} * std::size_t(side) * std::size_t(side));
+    const auto put = [&](std::size_t at, std::uint32_t value) {
+        for (int i = 0; i < 4; ++i) bmp[at + std::size_t(i)] = std::uint8_t(value >> (8 * i));
+    };
+    bmp[0] = 'B';
+    bmp[1] = 'M';
+    put(2, std::uint32_t(bmp.size()));
+    put(10, 54);
+    put(14, 40);
+    put(18, std::uint32_t(side));
+    put(22, std::uint32_t(side));
+    put(26, 1 | 24 << 16);
+    std::uint32_t noise = 1;
+    for (std::size_t i = 54; i < bmp.size(); ++i) {
+        noise = noise * 1664525U + 1013904223U;
+        bmp[i] = std::uint8_t(noise >> 24);
+    }
+    return bmp;
 }
 
 TEST(CommandImage, InfoTellsEachPicture) {
@@ -101,28 +126,112 @@ TEST(CommandImage, ConvertTakesFormatQualityAndResolution) {
     EXPECT_LT(small * 2, readBytes(out).size());
 }
 
+TEST(CommandImage, ManyFilesGoOnPastBadOnes) {
+    TempFolder folder;
+    std::filesystem::create_directory(folder.file("made"));
+    const std::string into = " --into '" + folder.file("made") + "'";
+    const char* const good[] = {"rocket.jpg",   "chelsea.png",       "cup-rgba-zip.tif",
+                                "pal8.bmp",     "camera.png",        "cam-g4.tif",
+                                "tiny-7x5.jpg", "cat-anim4-opt.gif", "tbbn3p08.png"};
+    std::string files = picture("shortfile.bmp") + " ";
+    for (const char* name : good) files += picture(name) + " ";
+    files += picture("missing.png") + " " + picture("xcsn0g01.png");
+    for (const char* name : good)
+        brushwork(folder,
+                  "image convert " + picture(name) + " '" + folder.file(name) + "' --format tiff");
+    for (const char* jobs : {"", " --jobs 1", " --jobs 12"}) {
+        const auto outcome =
+            brushwork(folder, "image convert " + files + into + " --format tiff" + jobs);
+        EXPECT_EQ(outcome.exitCode, 3) << "of the first file that failed";
+        EXPECT_NE(outcome.err.find("9 of 12 converted, 3 failed\n"), std::string::npos)
+            << outcome.err;
+        EXPECT_EQ(std::count(outcome.err.begin(), outcome.err.end(), '\n'), 4) << outcome.err;
+        EXPECT_EQ(outcome.out, "");
+        // Each is what converting it alone gives.
+        for (const char* name : good) {
+            const auto made = folder.file("made/") +
+                              std::filesystem::path(name).replace_extension("tif").string();
+            EXPECT_TRUE(readBytes(made) == readBytes(folder.file(name))) << name;
+            std::filesystem::remove(made);
+        }
+        EXPECT_TRUE(std::filesystem::is_empty(folder.file("made")));
+        EXPECT_TRUE(folder.leftovers().empty());
+    }
+    const auto json = brushwork(folder, "image convert " + picture("tiny-7x5.jpg") + " " +
+                                            picture("missing.png") + into + " --format png --json");
+    EXPECT_EQ(json.exitCode, 4);
+    const auto parsed = nlohmann::json::parse(json.out);
+    ASSERT_EQ(parsed.size(), 2U);
+    EXPECT_EQ(parsed[0]["width"], 7);
+    EXPECT_EQ(parsed[0]["format"], "PNG");
+    EXPECT_TRUE(parsed[1].contains("error"));
+    EXPECT_TRUE(parsed[1].contains("input"));
+}
+
+// Never more helpers at once than asked for: each notes its coming and going.
+TEST(CommandImage, HelpersAtOnceAreBounded) {
+    TempFolder folder;
+    std::filesystem::create_directory(folder.file("bin"));
+    std::filesystem::create_directory(folder.file("made"));
+    const std::string program = folder.file("bin/brushwork");
+    std::filesystem::copy_file(BRUSHWORK_PROGRAM, program);
+    const std::string helper = folder.file("bin/InkAtelierBridge");
+    std::ofstream(helper) << "#!/bin/sh\necho + >>'" + folder.file("log") + "'\nsleep 0.03\n'" +
+                                 BRUSHWORK_HELPER + "' \"$@\"\nvalue=$?\necho - >>'" +
+                                 folder.file("log") + "'\nexit $value\n";
+    std::filesystem::permissions(helper, std::filesystem::perms::owner_all);
+    std::string files;
+    for (int i = 0; i < 12; ++i) {
+        const std::string name = folder.file("p" + std::to_string(i) + ".jpg");
+        std::filesystem::copy_file(std::string(BRUSHWORK_TEST_DATA) + "/pictures/tiny-7x5.jpg",
+                                   name);
+        files += " '" + name + "'";
+    }
+    for (const int jobs : {1, 3}) {
+        std::filesystem::remove(folder.file("log"));
+        const std::string command = "'" + program + "' image convert" + files + " --into '" +
+                                    folder.file("made") + "' --format png --jobs " +
+                                    std::to_string(jobs) + " 2>/dev/null";
+        EXPECT_EQ(WEXITSTATUS(std::system(command.c_str())), 0);
+        int running = 0, most = 0, runs = 0;
+        for (const char c : slurp(folder.file("log"))) {
+            if (c == '+') {
+                ++runs;
+                most = std::max(most, ++running);
+            }
+            if (c == '-') --running;
+        }
+        EXPECT_LE(most, jobs);
+        EXPECT_GE(most, std::min(jobs, 2));
+        EXPECT_EQ(runs, 24) << "one to read and one to write each";
+    }
+    EXPECT_TRUE(folder.leftovers().empty());
+}
+
+TEST(CommandImage, EndedBySignalItEndsItsHelpersAndLeavesNothing) {
+    TempFolder folder;
+    std::filesystem::create_directory(folder.file("made"));
+    std::string files;
+    for (int i = 0; i < 4; ++i) {
+        const std::string name = folder.file("noise" + std::to_string(i) + ".bmp");
+        test::writeBytes(name, noiseBitmap(5000));
+        files += " '" + name + "'";
+    }
+    // More files than one request needs, and several helpers, when the end comes.
+    const std::string command = "'" + std::string(BRUSHWORK_PROGRAM) + "' image convert" + files +
+                                " --into '" + folder.file("made") +
+                                "' --format gif --jobs 4 2>/dev/null & "
+                                "sleep 1; kill -TERM $!; wait $!";
+    EXPECT_EQ(WEXITSTATUS(std::system(command.c_str())), 128 + 15);
+    // The helpers have been told to end and take a moment to.
+    for (int i = 0; i < 100 && !folder.leftovers().empty(); ++i) std::system("sleep 0.02");
+    EXPECT_TRUE(folder.leftovers().empty());
+    EXPECT_TRUE(std::filesystem::is_empty(folder.file("made")));
+}
+
 TEST(CommandImage, OutOfTimeIsALimit) {
     TempFolder folder;
-    // 25 megapixels of noise take seconds to reduce to 256 colours.
-    const std::int32_t side = 5000;
-    std::vector<std::uint8_t> bmp(54 + std::size_t{3} * side * side);
-    const auto put = [&](std::size_t at, std::uint32_t value) {
-        for (int i = 0; i < 4; ++i) bmp[at + std::size_t(i)] = std::uint8_t(value >> (8 * i));
-    };
-    bmp[0] = 'B';
-    bmp[1] = 'M';
-    put(2, std::uint32_t(bmp.size()));
-    put(10, 54);
-    put(14, 40);
-    put(18, side);
-    put(22, side);
-    put(26, 1 | 24 << 16);
-    std::uint32_t noise = 1;
-    for (std::size_t i = 54; i < bmp.size(); ++i) {
-        noise = noise * 1664525U + 1013904223U;
-        bmp[i] = std::uint8_t(noise >> 24);
-    }
-    test::writeBytes(folder.file("noise.bmp"), bmp);
+    test::writeBytes(folder.file("noise.bmp"), noiseBitmap(5000));
     const std::string arguments =
         "image convert '" + folder.file("noise.bmp") + "' '" + folder.file("noise.gif") + "'";
     const auto outcome = brushwork(folder, arguments, "INKATELIER_BRIDGE_CPU_SECONDS=1");
@@ -182,6 +291,13 @@ TEST(CommandImage, ExitCodesSayWhatWentWrong) {
     EXPECT_EQ(code("image info " + rocket, "INKATELIER_BRIDGE_PIXELS_MIB=1"), 5);
     EXPECT_EQ(code("image info " + rocket, "TMPDIR=/no/such/folder"), 4);
     EXPECT_EQ(code("image convert " + rocket + " x.png --dpi nan"), 2);
+    EXPECT_EQ(code("image convert " + rocket), 2);
+    EXPECT_EQ(code("image convert " + rocket + " " + rocket + " x.png"), 2);
+    EXPECT_EQ(code("image convert " + rocket + " --into /no/such --format png"), 4);
+    EXPECT_EQ(code("image convert " + rocket + " --into ."), 2) << "no format";
+    EXPECT_EQ(code("image convert " + rocket + " --into . --format png --jobs 0"), 2);
+    EXPECT_EQ(code("image convert " + rocket + " " + rocket + " --into . --format png"), 2)
+        << "two for one place";
     EXPECT_EQ(code("image info '[a,b]'"), 4) << "one file of that name, not two";
     EXPECT_TRUE(folder.leftovers().empty());
 }
