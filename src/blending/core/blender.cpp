@@ -11,9 +11,15 @@ namespace brushwork::npc {
 namespace {
 
 constexpr std::size_t boxesPerBatch = 256;
+constexpr std::size_t mostHeld = 64;  // locks of pages that are kept from run to run
 
-// What a thread takes at a time; a batch of no more isn't worth waking anybody.
-constexpr std::int64_t pixelsPerShare = 32768;
+// A batch of no more isn't worth waking anybody.
+constexpr std::int64_t muchWork = 32768;
+// A batch of no more isn't worth sharing at all.
+constexpr std::int64_t someWork = 8192;
+// What a thread takes at a time: a sixteenth of a box, within bounds.
+constexpr std::int64_t sharesPerBox = 16;
+constexpr std::int64_t leastShare = 4096, largestShare = 32768;
 
 WideBox wideBox(const ilTile& tile) {
     return {tile.x, tile.y, std::int64_t{tile.x} + tile.nx, std::int64_t{tile.y} + tile.ny};
@@ -25,20 +31,21 @@ WideBox wideBox(const ilTile& tile) {
 // however they end.
 class Blender::Session {
   public:
-    explicit Session(Blender& blender)
-        : blender_(blender), open_(blender.walk_.begin(blender.inputs_)) {}
+    explicit Session(Blender& blender) : blender_(blender) { blender_.openWalk(); }
     Session(const Session&) = delete;
     Session& operator=(const Session&) = delete;
     ~Session() {
         endBatch();
-        blender_.walk_.end();
+        if (!blender_.holds_) blender_.closeWalk();
     }
 
-    [[nodiscard]] bool isOpen() const { return open_; }
+    [[nodiscard]] bool isOpen() const { return blender_.open_; }
     [[nodiscard]] WideBox clipped(const ilTile& tile) const {
         return tile.isEmpty() ? WideBox{} : blender_.walk_.clipped(wideBox(tile));
     }
     void add(const WideBox& box) {
+        blender_.share_ =
+            std::clamp(box.width() * box.height() / sharesPerBox, leastShare, largestShare);
         blender_.walk_.run(box, [this](const WorkRecord& record) { blender_.take(record); });
     }
     void finishBatch() {
@@ -48,20 +55,38 @@ class Blender::Session {
 
   private:
     void endBatch() {
-        blender_.walk_.unlock();
+        if (!blender_.holds_ || blender_.walk_.lockCount() > mostHeld) blender_.walk_.unlock();
         blender_.records_.clear();
     }
 
     Blender& blender_;
-    bool open_;
 };
 
 Blender::Blender(std::int32_t mode) : mode_(mode) {}
 
-Blender::~Blender() = default;
+Blender::~Blender() {
+    closeWalk();
+}
+
+void Blender::openWalk() {
+    open_ = open_ ? walk_.renew(inputs_) : walk_.begin(inputs_);
+    walk_.setPlainMask(plainMask_, plainMaskX_, plainMaskY_);
+}
+
+void Blender::closeWalk() {
+    walk_.end();
+    open_ = false;
+}
+
+void Blender::releasePages() {
+    holds_ = false;
+    closeWalk();
+}
 
 void Blender::reset() {
+    releasePages();
     for (Slot& slot : inputs_) slot = Slot{};
+    plainMask_ = {};
 }
 
 void Blender::run(const ilTile& rect) {
@@ -105,7 +130,7 @@ void Blender::take(const WorkRecord& record) {
         return;
     }
     const auto rows = static_cast<std::int32_t>(
-        std::clamp<std::int64_t>(pixelsPerShare / record.width, 1, record.height));
+        std::clamp<std::int64_t>(share_ / record.width, 1, record.height));
     for (std::int32_t y = 0; y < record.height; y += rows) {
         WorkRecord& band = records_.emplace_back(record);
         band.height = std::min(rows, record.height - y);
@@ -118,8 +143,9 @@ void Blender::processRecords() {
     std::int64_t pixels = 0;
     for (const WorkRecord& record : records_) pixels += record.pixels();
     const auto process = [this](std::size_t n) { processRecord(static_cast<std::int32_t>(n)); };
-    if (records_.size() > 1 && pixels > pixelsPerShare)
-        shareWork(records_.size(), process);
+    if (records_.size() > 1 && pixels > someWork)
+        shareWork(records_.size(), process,
+                  pixels > muchWork ? SharedWork::Much : SharedWork::Some);
     else
         for (std::size_t n = 0; n < records_.size(); ++n) process(n);
 }

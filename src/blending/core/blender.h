@@ -51,6 +51,12 @@ class Blender {
     // Boxes that don't meet, as one run, the pages of 256 of them locked at a time.
     void run(const TileSet& rects);
 
+    // From here to releasePages() runs keep the pages that they lock, for a row of small runs close
+    // to each other. Meanwhile nobody else may change the images or share their pages, nor change
+    // an image that stays bound in size. Runs show in the pixels at once.
+    void holdPages() { holds_ = true; }
+    void releasePages();
+
     [[nodiscard]] std::int32_t mode() const { return mode_; }
     // Shares the work of a run with the workers of the TaskPool if there is enough of it.
     [[nodiscard]] bool threaded() const { return threaded_; }
@@ -67,6 +73,8 @@ class Blender {
     virtual void prepareRun() {}
 
     BlendSlots inputs_;
+    WorkPlane plainMask_;  // stands for a mask image where it has a base
+    std::int32_t plainMaskX_ = 0, plainMaskY_ = 0;
     std::vector<float> parameters_;
     std::vector<std::int32_t> integerParameters_;
     std::vector<bool> flags_;
@@ -74,13 +82,18 @@ class Blender {
   private:
     class Session;
 
+    void openWalk();
+    void closeWalk();
     void take(const WorkRecord& record);
     void processRecords();
 
     std::int32_t mode_;
     TileWalk walk_;
+    bool open_ = false;  // the walk: it has images to blend
+    bool holds_ = false;
     std::vector<WorkRecord> records_;
     std::uint64_t pixelCount_ = 0;
+    std::int64_t share_ = 0;  // pixels that a thread takes at a time
     bool threaded_ = false;
 };
 

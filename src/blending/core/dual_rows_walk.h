@@ -53,9 +53,24 @@ class DualRowWalk {
     static std::uint64_t maskOf(const KernelRow& row, std::size_t i, std::size_t count) {
         if (row.mask == nullptr) return ~std::uint64_t{0};
         const std::uint8_t* p = row.mask + i * row.maskStride;
+        if constexpr (part) return fewBytes(p, count);
         std::uint64_t mask = 0;
-        std::memcpy(&mask, p, part ? count : L::pixels);
+        std::memcpy(&mask, p, L::pixels);
         return mask;
+    }
+
+    // One to seven bytes, without a call: small stamps are made of odd ends.
+    static std::uint64_t fewBytes(const std::uint8_t* p, std::size_t count) {
+        if (count >= 4) {
+            std::uint32_t first = 0, last = 0;
+            std::memcpy(&first, p, sizeof first);
+            std::memcpy(&last, p + count - sizeof last, sizeof last);
+            return first | std::uint64_t{last} << (8 * (count - sizeof last));
+        }
+        std::uint64_t bytes = p[0];
+        if (count > 1) bytes |= std::uint64_t{p[1]} << 8;
+        if (count > 2) bytes |= std::uint64_t{p[2]} << 16;
+        return bytes;
     }
 
     template <bool part, bool two>

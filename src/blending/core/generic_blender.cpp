@@ -89,6 +89,16 @@ void GenericBlender::setSecondSource(ilImage* image, std::int32_t x, std::int32_
 void GenericBlender::setMask(ilImage* image, std::int32_t x, std::int32_t y, bool writable) {
     bind(InputMask, image, x, y, writable);
     maskStride_ = image ? 1 : 0;
+    plainMask_ = {};
+}
+
+void GenericBlender::setPlainMask(std::uint8_t* pixels, std::int32_t stride, std::int32_t x,
+                                  std::int32_t y) {
+    if (inputs_[InputMask].image || maskStride_ == 0) setMask(nullptr, 0, 0, false);
+    maskStride_ = 1;
+    plainMask_ = {pixels, stride, 1, 1};
+    plainMaskX_ = x;
+    plainMaskY_ = y;
 }
 
 void GenericBlender::setOpacity(float value) {

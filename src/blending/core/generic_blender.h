@@ -51,6 +51,9 @@ class GenericBlender : public Blender {
 
   public:
     void setDestination(ilImage* image, std::int32_t x, std::int32_t y);
+    // A mask of bytes in plain memory in place of an image, until the next setMask: the first one
+    // at (x, y), `stride` of them from row to row. Borrowed; runs must not lead beyond it.
+    void setPlainMask(std::uint8_t* pixels, std::int32_t stride, std::int32_t x, std::int32_t y);
     // Stands for a source image where none is bound. Red in the lowest byte, alpha in the highest.
     void setConstantColor(std::uint32_t color);
     [[nodiscard]] std::uint32_t constantColor() const { return constantColor_[0]; }

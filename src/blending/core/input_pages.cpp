@@ -37,7 +37,7 @@ ilPage* pageOf(const PageLockRequest& request) {
 }  // namespace
 
 bool InputPages::begin(const BlendSlot& slot) {
-    image_ = nullptr;
+    image_.reset();
     if (!slot.image) return true;
     ilImage& image = *slot.image;
     channels_ = image.channels();
@@ -58,8 +58,14 @@ bool InputPages::begin(const BlendSlot& slot) {
     offsetX_ = slot.x;
     offsetY_ = slot.y;
     mode_ = slot.writable ? LockWrite : LockRead;
-    image_ = &image;
+    image_ = slot.image;
     return true;
+}
+
+bool InputPages::serves(const BlendSlot& slot) const {
+    const bool writes = mode_ == LockWrite;
+    return image_ == slot.image &&
+           (!image_ || (offsetX_ == slot.x && offsetY_ == slot.y && writes == slot.writable));
 }
 
 // False for pages that hold no pixel, or not all channels.
@@ -76,7 +82,7 @@ bool InputPages::takePageSize(ilImage& image) {
 
 void InputPages::end() {
     unlock();
-    image_ = nullptr;
+    image_.reset();
 }
 
 WideBox InputPages::clipped(const WideBox& box) const {

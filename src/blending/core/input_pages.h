@@ -19,13 +19,16 @@ struct PageView {
 
 class InputPages {
   public:
-    // Takes the slot's image, borrowed until end(), as it is now. False for an image whose pixels
-    // aren't interleaved bytes: it can't be blended. A slot without an image is fine.
+    // Takes the slot's image, until end(), as it is now. False for an image whose pixels aren't
+    // interleaved bytes: it can't be blended. A slot without an image is fine.
     [[nodiscard]] bool begin(const BlendSlot& slot);
+    // Was it begun with such a slot?
+    [[nodiscard]] bool serves(const BlendSlot& slot) const;
     // Gives back all locks and forgets the image.
     void end();
 
-    [[nodiscard]] bool isBound() const { return image_ != nullptr; }
+    [[nodiscard]] bool isBound() const { return bool(image_); }
+    [[nodiscard]] std::size_t lockCount() const { return locked_.size(); }
     // The part of the box in which the image has pixels. Smart and pattern images have them
     // everywhere, as far as places can be told in 32 bits; what is written ends at the limit of
     // smart images.
@@ -53,7 +56,7 @@ class InputPages {
     [[nodiscard]] PageView gridPage(std::int64_t x, std::int64_t y);
     [[nodiscard]] PageView floatingPage(std::int64_t x, std::int64_t y);
 
-    ilImage* image_ = nullptr;
+    Ref<ilImage> image_;
     Layout layout_ = Layout::Grid;
     bool bounded_ = true;
     std::uint32_t mode_ = 0;                  // for lockPages

@@ -5,19 +5,40 @@
 namespace brushwork::npc {
 
 bool TileWalk::begin(const BlendSlots& slots) {
+    end();
+    return renew(slots);
+}
+
+bool TileWalk::renew(const BlendSlots& slots) {
     bool bound = false;
     for (std::size_t n = 0; n < blendInputCount; ++n) {
-        if (!inputs_[n].begin(slots[n])) {
-            end();
-            return false;
+        if (!inputs_[n].serves(slots[n])) {
+            inputs_[n].end();
+            if (!inputs_[n].begin(slots[n])) {
+                end();
+                return false;
+            }
         }
         bound = bound || inputs_[n].isBound();
     }
     return bound;
 }
 
+std::size_t TileWalk::lockCount() const {
+    std::size_t count = 0;
+    for (const InputPages& input : inputs_) count += input.lockCount();
+    return count;
+}
+
 void TileWalk::end() {
     for (InputPages& input : inputs_) input.end();
+    plainMask_ = {};
+}
+
+void TileWalk::setPlainMask(const WorkPlane& pixels, std::int64_t x, std::int64_t y) {
+    plainMask_ = pixels;
+    maskX_ = x;
+    maskY_ = y;
 }
 
 WideBox TileWalk::clipped(WideBox box) const {
@@ -72,6 +93,11 @@ void TileWalk::report(const WideBox& box, const Visitor& visit) const {
         plane.bytesPerPixel = plane.channels;
         const std::int64_t pixel = (box.y0 - view.y) * view.stride + (box.x0 - view.x);
         plane.base = view.data + static_cast<std::ptrdiff_t>(pixel * plane.bytesPerPixel);
+    }
+    if (plainMask_.base) {
+        WorkPlane& mask = record.planes[InputMask];
+        mask = plainMask_;
+        mask.base += (box.y0 - maskY_) * mask.rowBytes() + (box.x0 - maskX_);
     }
     visit(record);
 }

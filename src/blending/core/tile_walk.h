@@ -9,6 +9,7 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <functional>
 
 #include "blending/core/input_pages.h"
@@ -24,6 +25,15 @@ class TileWalk {
     // blended. The slots must stay until end().
     [[nodiscard]] bool begin(const BlendSlots& slots);
     void end();  // unlocks as well
+    // In place of end() and begin(): inputs whose slot is as it was keep their pages locked, and
+    // are taken as they were then.
+    [[nodiscard]] bool renew(const BlendSlots& slots);
+    // Pages that are locked, those locked twice counted twice.
+    [[nodiscard]] std::size_t lockCount() const;
+
+    // Until end(): pixels in plain memory that stand in the records as mask, in place of an image.
+    // The first one lies at (x, y); visited boxes must not lead beyond them.
+    void setPlainMask(const WorkPlane& pixels, std::int64_t x, std::int64_t y);
 
     // The part of the box in which every image has pixels.
     [[nodiscard]] WideBox clipped(WideBox box) const;
@@ -37,6 +47,8 @@ class TileWalk {
     void report(const WideBox& box, const Visitor& visit) const;
 
     std::array<InputPages, blendInputCount> inputs_;
+    WorkPlane plainMask_;  // no base: none
+    std::int64_t maskX_ = 0, maskY_ = 0;
     std::array<PageView, blendInputCount> current_{};  // of the inputs that the walk has reached
 };
 
