@@ -1,4 +1,11 @@
 // BrushTextureParameters: the paper grain of a brush.
+//
+//     const auto paper = makeRef<BrushTextureParameters>();
+//     paper->image = grain;
+//     paper->setRandomOffset(true);
+//     paper->drawOffset();              // as each stroke begins
+//
+// A TextureGenerator turns it into the image that stamps are laid under.
 #pragma once
 
 #include <cstdint>
@@ -20,6 +27,16 @@ class BRUSHWORK_API BrushTextureParameters final : public zn::ReferenceCount {
     ~BrushTextureParameters() override;
 
   public:
+    // Grey stays or changes over to its negative; only a change makes the generated image stale.
+    void setInvert(bool on);
+    // From each stroke on at another place, or no longer: then the offsets are 0 again.
+    void setRandomOffset(bool on);
+    // For a stroke that begins. With randomOffset and an image the pattern comes to lie anywhere
+    // within one of its periods, by two values of the process's random sequence, x first; without
+    // them nothing is drawn and the offsets stay.
+    void drawOffset();
+
+    // Whoever changes image, shift or scale sets `dirty`.
     Ref<ilImage> image;                     // grey; may be null
     std::int32_t offsetX = 0, offsetY = 0;  // where the pattern lies in the layer, in pixels
     float strength = 1.0f;                  // of a stamp that doesn't say
@@ -28,8 +45,8 @@ class BRUSHWORK_API BrushTextureParameters final : public zn::ReferenceCount {
     float value0 = 1.0f, value1 = 1.0f;
     std::int32_t contrast = 0;
     bool enabled = true;
-    bool invert = false;
-    bool randomOffset = false;           // a new offset for each stroke
+    bool invert = false;                 // see setInvert
+    bool randomOffset = false;           // a new offset for each stroke; see setRandomOffset
     bool dirty = true;                   // the generated image is out of date
     float scaleX = 1.0f, scaleY = 1.0f;  // of the pattern
 };

@@ -130,6 +130,12 @@ void StrokeInterpolator::chooseStep(float reach) {
     step_ = nextStep(step_, reach, spacingScale_, parameters_->spacingJitter);
 }
 
+bool StrokeInterpolator::copyOf(const StampPoint& stamp, std::int32_t n, StampPoint& copy) const {
+    if (n != 0) return false;
+    copy = stamp;
+    return true;
+}
+
 void StrokeInterpolator::tangent(float& x, float& y) {
     x = 0.0f;
     y = 0.0f;

@@ -42,6 +42,11 @@ class StrokeInterpolator {
     virtual bool nextStamp(StampPoint& stamp);
     // The way of travel under the transform, of length 1 before it; 0 if there is none.
     virtual void tangent(float& x, float& y);
+    // For a class that repeats stamps elsewhere. The n-th place, from 0 on, at which a stamp beside
+    // the path is laid; false behind the last. Here the stamp's own, alone.
+    virtual bool copyOf(const StampPoint& stamp, std::int32_t n, StampPoint& copy) const;
+    // The way of travel of the stamp that nextStamp gave last.
+    virtual void stampTangent(float& x, float& y) { tangent(x, y); }
 
     // Multiplies the step between stamps; 1 at begin.
     void setSpacingScale(float scale) { spacingScale_ = scale; }

@@ -11,15 +11,21 @@ constexpr std::int64_t mostCells = std::int64_t{1} << 28;
 template <std::size_t Pixel>
 void layRow(const std::uint8_t* below, const std::uint8_t* here, std::int32_t width,
             std::uint8_t* out) {
-    const std::size_t last = static_cast<std::size_t>(width);
-    for (std::size_t x = 0; x <= last; ++x, out += 4 * Pixel) {
-        std::memset(out, 0, 4 * Pixel);
-        const bool left = x != 0, right = x != last;
-        if (below && left) std::memcpy(out, below + (x - 1) * Pixel, Pixel);
-        if (below && right) std::memcpy(out + Pixel, below + x * Pixel, Pixel);
-        if (here && left) std::memcpy(out + 2 * Pixel, here + (x - 1) * Pixel, Pixel);
-        if (here && right) std::memcpy(out + 3 * Pixel, here + x * Pixel, Pixel);
-    }
+    const std::size_t last = static_cast<std::size_t>(width), cell = 4 * Pixel;
+    const auto layPair = [&](const std::uint8_t* row, std::uint8_t* corners) {
+        std::memset(corners, 0, Pixel);
+        if (!row) {
+            for (std::size_t x = 0; x <= last; ++x) std::memset(corners + x * cell, 0, 2 * Pixel);
+            return;
+        }
+        std::memcpy(corners + Pixel, row, Pixel);
+        for (std::size_t x = 1; x < last; ++x)
+            std::memcpy(corners + x * cell, row + (x - 1) * Pixel, 2 * Pixel);
+        std::memcpy(corners + last * cell, row + (last - 1) * Pixel, Pixel);
+        std::memset(corners + last * cell + Pixel, 0, Pixel);
+    };
+    layPair(below, out);
+    layPair(here, out + 2 * Pixel);
 }
 
 template <std::size_t Pixel>

@@ -51,6 +51,7 @@ class StampImageCacheItem final : public zn::ReferenceCount {
 
     Ref<ilSPMemoryImg> mask;   // 1 channel
     Ref<ilSPMemoryImg> color;  // 4 channels, or none
+    ilTile inked;              // of the mask: outside it is 0; may be empty
 
   private:
     friend class StampImageCache;

@@ -113,9 +113,6 @@ struct Avx2StampLanes {
         return _mm256_srli_epi32(
             _mm256_add_epi32(_mm256_madd_epi16(pair, along), _mm256_set1_epi32(32768 * 256)), 16);
     }
-    static void storeInts(std::uint32_t* out, Ints value) {
-        _mm256_storeu_si256(reinterpret_cast<__m256i*>(out), value);
-    }
     // As storeBlock, but multiplies what is there: ((block + 1) * mask) >> 8.
     static void multiplyBlock(const Ints (&block)[4], std::uint8_t* mask, std::int32_t rowBytes,
                               std::int32_t rows) {
@@ -135,36 +132,37 @@ struct Avx2StampLanes {
         }
     }
     // Pixels of four channels from cells of 16 bytes, two at a time, to column 0 of `rows` rows.
-    static void storePixels(const std::uint8_t* cells, const std::uint32_t* at,
-                            const std::uint32_t* across, const std::uint32_t* along,
+    static void storePixels(const std::uint8_t* cells, Ints at, Ints across, Ints along,
                             std::uint8_t* out, std::int32_t rowBytes, std::int32_t rows) {
-        for (std::int32_t row = 0; row < rows; row += 2) {
-            const auto cell = [&](std::int32_t n) {
-                return _mm_loadu_si128(
-                    reinterpret_cast<const __m128i*>(cells + std::size_t{at[n]} * 16));
-            };
+        alignas(32) std::uint32_t place[count];
+        _mm256_store_si256(reinterpret_cast<__m256i*>(place), at);
+        const Ints lowPairs = _mm256_broadcastsi128_si256(
+            _mm_setr_epi8(0, -1, 4, -1, 1, -1, 5, -1, 2, -1, 6, -1, 3, -1, 7, -1));
+        const Ints highPairs = _mm256_broadcastsi128_si256(
+            _mm_setr_epi8(8, -1, 12, -1, 9, -1, 13, -1, 10, -1, 14, -1, 11, -1, 15, -1));
+        const Ints lowBytes = _mm256_broadcastsi128_si256(
+            _mm_setr_epi8(0, 4, 8, 12, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1));
+        const auto cell = [&](std::int32_t n) {
+            return _mm_loadu_si128(
+                reinterpret_cast<const __m128i*>(cells + std::size_t{place[n]} * 16));
+        };
+        Ints lanes = _mm256_setr_epi32(0, 0, 0, 0, 1, 1, 1, 1);
+#pragma GCC unroll 4
+        for (std::int32_t row = 0; row < count; row += 2) {
+            if (row >= rows) break;
             const Ints two =
                 _mm256_inserti128_si256(_mm256_castsi128_si256(cell(row)), cell(row + 1), 1);
-            const auto weights = [row](const std::uint32_t* of) {
-                return _mm256_inserti128_si256(
-                    _mm256_castsi128_si256(_mm_set1_epi32(static_cast<int>(of[row]))),
-                    _mm_set1_epi32(static_cast<int>(of[row + 1])), 1);
-            };
-            const Ints lowPairs = _mm256_broadcastsi128_si256(
-                _mm_setr_epi8(0, -1, 4, -1, 1, -1, 5, -1, 2, -1, 6, -1, 3, -1, 7, -1));
-            const Ints highPairs = _mm256_broadcastsi128_si256(
-                _mm_setr_epi8(8, -1, 12, -1, 9, -1, 13, -1, 10, -1, 14, -1, 11, -1, 15, -1));
-            const Ints w = weights(across);
-            const Ints pixels = blendPairs(
-                _mm256_madd_epi16(_mm256_shuffle_epi8(two, lowPairs), w),
-                _mm256_madd_epi16(_mm256_shuffle_epi8(two, highPairs), w), weights(along));
-            const Ints bytes = _mm256_shuffle_epi8(
-                pixels, _mm256_broadcastsi128_si256(_mm_setr_epi8(0, 4, 8, 12, -1, -1, -1, -1, -1,
-                                                                  -1, -1, -1, -1, -1, -1, -1)));
-            const std::ptrdiff_t place = static_cast<std::ptrdiff_t>(row) * rowBytes;
-            _mm_storeu_si32(out + place, _mm256_castsi256_si128(bytes));
+            const Ints weights = _mm256_permutevar8x32_epi32(across, lanes);
+            const Ints pixels =
+                blendPairs(_mm256_madd_epi16(_mm256_shuffle_epi8(two, lowPairs), weights),
+                           _mm256_madd_epi16(_mm256_shuffle_epi8(two, highPairs), weights),
+                           _mm256_permutevar8x32_epi32(along, lanes));
+            lanes = _mm256_add_epi32(lanes, _mm256_set1_epi32(2));
+            const Ints bytes = _mm256_shuffle_epi8(pixels, lowBytes);
+            std::uint8_t* const pixel = out + static_cast<std::ptrdiff_t>(row) * rowBytes;
+            _mm_storeu_si32(pixel, _mm256_castsi256_si128(bytes));
             if (row + 1 < rows)
-                _mm_storeu_si32(out + place + rowBytes, _mm256_extracti128_si256(bytes, 1));
+                _mm_storeu_si32(pixel + rowBytes, _mm256_extracti128_si256(bytes, 1));
         }
     }
 };

@@ -116,9 +116,6 @@ struct Sse2StampLanes {
         return _mm_srli_epi32(
             _mm_add_epi32(_mm_madd_epi16(pair, along), _mm_set1_epi32(32768 * 256)), 16);
     }
-    static void storeInts(std::uint32_t* out, Ints value) {
-        _mm_storeu_si128(reinterpret_cast<__m128i*>(out), value);
-    }
     // As storeBlock, but multiplies what is there: ((block + 1) * mask) >> 8.
     static void multiplyBlock(const Ints (&block)[4], std::uint8_t* mask, std::int32_t rowBytes,
                               std::int32_t rows) {
@@ -139,19 +136,22 @@ struct Sse2StampLanes {
         }
     }
     // Pixels of four channels from cells of 16 bytes, to column 0 of `rows` rows.
-    static void storePixels(const std::uint8_t* cells, const std::uint32_t* at,
-                            const std::uint32_t* across, const std::uint32_t* along,
+    static void storePixels(const std::uint8_t* cells, Ints at, Ints across, Ints along,
                             std::uint8_t* out, std::int32_t rowBytes, std::int32_t rows) {
         const Ints none = _mm_setzero_si128();
+        alignas(16) std::uint32_t place[count], weightAcross[count], weightAlong[count];
+        _mm_store_si128(reinterpret_cast<__m128i*>(place), at);
+        _mm_store_si128(reinterpret_cast<__m128i*>(weightAcross), across);
+        _mm_store_si128(reinterpret_cast<__m128i*>(weightAlong), along);
         for (std::int32_t row = 0; row < rows; ++row) {
             const Ints cell = _mm_loadu_si128(
-                reinterpret_cast<const __m128i*>(cells + std::size_t{at[row]} * 16));
+                reinterpret_cast<const __m128i*>(cells + std::size_t{place[row]} * 16));
             const Ints low = _mm_unpacklo_epi8(cell, _mm_srli_si128(cell, 4));
             const Ints high = _mm_unpacklo_epi8(_mm_srli_si128(cell, 8), _mm_srli_si128(cell, 12));
-            const Ints w = _mm_set1_epi32(static_cast<int>(across[row]));
+            const Ints w = _mm_set1_epi32(static_cast<int>(weightAcross[row]));
             const Ints pixel = blendPairs(_mm_madd_epi16(_mm_unpacklo_epi8(low, none), w),
                                           _mm_madd_epi16(_mm_unpacklo_epi8(high, none), w),
-                                          _mm_set1_epi32(static_cast<int>(along[row])));
+                                          _mm_set1_epi32(static_cast<int>(weightAlong[row])));
             const Ints words = _mm_packs_epi32(pixel, pixel);
             const int four = _mm_cvtsi128_si32(_mm_packus_epi16(words, words));
             std::memcpy(out + static_cast<std::ptrdiff_t>(row) * rowBytes, &four, sizeof four);

@@ -37,6 +37,31 @@ Ref<ilImage> levelFor(const Ref<ImagePaintObj>& object, const StampPoint& point)
     return object->imageAtSize(pixels(across), pixels(across * std::fabs(point.scaleY)));
 }
 
+// The part of a mask that isn't 0.
+ilTile inkedPart(ilSPMemoryImg& mask) {
+    const std::int32_t width = mask.sizeX(), height = mask.sizeY();
+    const std::uint8_t* const pixels = mask.data();
+    const auto isBlank = [&](std::int32_t x, std::int32_t y) {
+        return pixels[static_cast<std::ptrdiff_t>(y) * width + x] == 0;
+    };
+    const auto isBlankRow = [&](std::int32_t y) {
+        const std::uint8_t* const row = pixels + static_cast<std::ptrdiff_t>(y) * width;
+        return std::all_of(row, row + width, [](std::uint8_t pixel) { return pixel == 0; });
+    };
+    std::int32_t bottom = 0, top = height;
+    while (bottom < top && isBlankRow(bottom)) ++bottom;
+    while (top > bottom && isBlankRow(top - 1)) --top;
+    const auto isBlankColumn = [&](std::int32_t x) {
+        std::int32_t y = bottom;
+        while (y < top && isBlank(x, y)) ++y;
+        return y == top;
+    };
+    std::int32_t left = 0, right = bottom < top ? width : 0;
+    while (left < right && isBlankColumn(left)) ++left;
+    while (right > left && isBlankColumn(right - 1)) --right;
+    return flatTile(left, bottom, right - left, top - bottom);
+}
+
 }  // namespace
 
 // What the bands of one stamp do.
@@ -153,8 +178,7 @@ void StampMaker::takeFromCache(const StampFrame& frame, const StampPoint& point)
     refreshLease();
     const std::uint64_t key = stampKey(point);
     if (const Ref<StampImageCacheItem> found = lease_.find(key)) {
-        current_.mask = found->mask;
-        current_.color = found->color;
+        show(*found);
         return;
     }
     const auto item = makeRef<StampImageCacheItem>();
@@ -164,14 +188,22 @@ void StampMaker::takeFromCache(const StampFrame& frame, const StampPoint& point)
     StampBands(frame.box.nx, frame.box.ny).run([&job](StampBands::Band band) {
         job.makeRows(band);
     });
-    current_.mask = item->mask;
-    current_.color = item->color;
+    item->inked = inkedPart(*item->mask);
+    show(*item);
     lease_.insert(item, key);
+}
+
+void StampMaker::show(const StampImageCacheItem& item) {
+    current_.mask = item.mask;
+    current_.color = item.color;
+    current_.inked = item.inked;
+    current_.inked.x += current_.box.x;
+    current_.inked.y += current_.box.y;
 }
 
 const StampImages& StampMaker::make(const StampPoint& quantized) {
     const StampFrame frame = stampFrame(quantized);
-    current_ = {frame.box, {}, {}};
+    current_ = {frame.box, frame.box, {}, {}};
     if (frame.box.isEmpty()) return current_;
     Job job;
     if (cacheEnabled_ && lease_.cache()) {

@@ -26,6 +26,7 @@ namespace brushwork::npc {
 // read, unless the colours are StampColors::Fresh.
 struct StampImages {
     ilTile box;                // of the layer, as large as the stamp
+    ilTile inked;              // the part outside of which the mask is 0; may be empty
     Ref<ilSPMemoryImg> mask;   // 1 channel, a width that is a multiple of 16; null: can't be made
     Ref<ilSPMemoryImg> color;  // 4 channels, a width that is a multiple of 4; or null
 };
@@ -60,6 +61,7 @@ class StampMaker {
     struct Job;
     [[nodiscard]] bool wants(StampColors colors) const;
     void refreshLease();
+    void show(const StampImageCacheItem& item);
     void takeFromCache(const StampFrame& frame, const StampPoint& point);
     bool prepareMask(const StampFrame& frame, const StampPoint& point, Ref<ilSPMemoryImg>& mask,
                      Job& job);

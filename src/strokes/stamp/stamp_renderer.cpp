@@ -22,6 +22,8 @@ void StampRenderer::begin(BlendModeId mode) {
     if (!blender_) return;
     begun_ = true;
     blender_->setThreaded(true);
+    // The canvas is read between the stamps of a brush that drags it.
+    if (!brush_.smearEnabled) blender_->holdPages();
     bindTargets();
     setModeParameters(*blender_, brush_);
     stamp_->setShapeObject(brush_.shapeObject);
@@ -61,11 +63,11 @@ ilTile StampRenderer::renderStamp(const StampPoint& stamp) {
     const StampImages& images = maker_.make(stamp);
     if (!images.mask) return {};
     const Ref<ilSPMemoryImg> mask = texture_.apply(brush_, images, stamp.textureStrength);
-    blender_->setMask(mask.get(), images.box.x, images.box.y, false);
+    blender_->setPlainMask(mask->data(), mask->sizeX(), images.box.x, images.box.y);
     bindSource(*blender_, source_, images, color_);
     setStampValues(*blender_, stamp);
     blender_->setLockAlpha(lockAlpha_);
-    blender_->run(images.box);
+    blender_->run(carriesPaint(blendMode_) ? images.box : images.inked);
     return images.box;
 }
 

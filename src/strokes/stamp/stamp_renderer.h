@@ -40,7 +40,9 @@ class StampRenderer {
     // if there is no memory for it or it lies out of reach.
     virtual ilTile renderStamp(const StampPoint& stamp);
 
-    // Does nothing while begun, and for a number that is no mode.
+    // Does nothing while begun, and for a number that is no mode. From begin to end the targets are
+    // this renderer's: stamps show in their pixels at once, but who copies them or shares their
+    // pages waits for the end. (With a brush that drags the canvas this doesn't hold.)
     void begin(BlendModeId mode);
     void end();
     [[nodiscard]] bool begun() const { return begun_; }

@@ -29,12 +29,16 @@ StrokeRenderer::~StrokeRenderer() = default;
 
 std::shared_ptr<StrokeRenderer> StrokeRenderer::clone() const {
     auto copy = std::make_shared<StrokeRenderer>(stampRenderer_);
-    copy->params_ = params_;
-    copy->blendMode_ = blendMode_;
-    copy->keepSource_ = keepSource_;
-    copy->setHoldDelay(airbrush_.holdDelay);
-    copy->setRepeatInterval(airbrush_.repeatInterval);
+    copySettingsTo(*copy);
     return copy;
+}
+
+void StrokeRenderer::copySettingsTo(StrokeRenderer& copy) const {
+    copy.params_ = params_;
+    copy.blendMode_ = blendMode_;
+    copy.keepSource_ = keepSource_;
+    copy.setHoldDelay(airbrush_.holdDelay);
+    copy.setRepeatInterval(airbrush_.repeatInterval);
 }
 
 bool StrokeRenderer::setStampRenderer(const std::shared_ptr<StampRenderer>& stampRenderer) {
@@ -104,7 +108,7 @@ bool StrokeRenderer::addPoint(const StampPoint& point) {
     if (firstPoint_) {
         lastPoint_ = fed;
         firstPoint_ = false;
-        preparePickup(fed.x, fed.y);
+        pathBegan(fed);
     }
     const bool laid = drawSegment(fed);
     lastPoint_ = fed;
@@ -121,8 +125,7 @@ bool StrokeRenderer::addPoint(float x, float y, float radius, float opacity, flo
 
 void StrokeRenderer::addPointNoSmoothing(const StampPoint& point) {
     if (!stampRenderer_ || !hasPlace(point)) return;
-    preparePickup(point.x, point.y);
-    if (drawStamp(point)) laidStamp_ = true;
+    if (layBeside(point)) laidStamp_ = true;
 }
 
 void StrokeRenderer::addPointNoSmoothing(float x, float y, float radius, float opacity, float flow,
@@ -145,32 +148,72 @@ bool StrokeRenderer::drawSegment(StampPoint& point) {
     while (interpolator_->nextStamp(stamp)) {
         if (smearing) {
             float x = 0.0f, y = 0.0f;
-            interpolator_->tangent(x, y);
+            interpolator_->stampTangent(x, y);
             fetchDraggedCanvas(*stampRenderer_, stamp, x, y);
         }
         layStamp(stamp);
         laid = true;
     }
     stampRenderer_->end();
+    reportTouched();
     return laid;
 }
 
 // A brush that drags the canvas stands still here and lays what is there, not a hole.
 bool StrokeRenderer::drawStamp(const StampPoint& point) {
     if (!stampRenderer_) return false;
-    if (smears()) {
-        blendMode_ = BlendModeId::Replace;
-        fetchDraggedCanvas(*stampRenderer_, point, 0.0f, 0.0f);
-    }
+    const bool smearing = smears();
+    if (smearing) blendMode_ = BlendModeId::Replace;
     stampRenderer_->begin(blendMode_);
-    layStamp(point);
+    StampPoint stamp;
+    std::int32_t count = 0;
+    for (; copyOf(point, count, stamp); ++count) {
+        if (smearing) fetchDraggedCanvas(*stampRenderer_, stamp, 0.0f, 0.0f);
+        layStamp(stamp);
+    }
     stampRenderer_->end();
-    return true;
+    reportTouched();
+    return count > 0;
+}
+
+bool StrokeRenderer::copyOf(const StampPoint& point, std::int32_t n, StampPoint& copy) const {
+    if (interpolator_) return interpolator_->copyOf(point, n, copy);
+    copy = point;
+    return n == 0;
 }
 
 void StrokeRenderer::layStamp(const StampPoint& stamp) {
     const ilTile touched = stampRenderer_->renderPoint(stamp);
+    if (tileCallback_) touched_.push_back(touched);
+}
+
+// After the end of the stamps: who hears of them may look at the target, or share its pages.
+void StrokeRenderer::reportTouched() {
+    if (touched_.empty()) return;
+    std::vector<ilTile> touched;
+    touched.swap(touched_);  // a callback might paint, too
+    for (const ilTile& tile : touched) report(tile);
+    touched.clear();
+    touched_.swap(touched);  // keeps the room
+}
+
+void StrokeRenderer::report(const ilTile& touched) const {
     if (tileCallback_ && !touched.isEmpty()) tileCallback_(touched);
+}
+
+// What a brush picks up at first it finds where it lays its first stamp.
+void StrokeRenderer::pathBegan(const StampPoint& first) {
+    StampPoint stamp;
+    if (copyOf(first, 0, stamp)) preparePickup(stamp.x, stamp.y);
+}
+
+bool StrokeRenderer::layBeside(const StampPoint& point) {
+    pathBegan(point);
+    return drawStamp(point);
+}
+
+void StrokeRenderer::layDot(const StampPoint& last) {
+    drawStamp(last);
 }
 
 void StrokeRenderer::preparePickup(float x, float y) {
@@ -180,7 +223,7 @@ void StrokeRenderer::preparePickup(float x, float y) {
 void StrokeRenderer::endStroke() {
     if (!begun_) return;
     airbrush_.stop();
-    if (!firstPoint_ && !laidStamp_) drawStamp(lastPoint_);
+    if (!firstPoint_ && !laidStamp_) layDot(lastPoint_);
     strokeEnded();
     begun_ = false;
 }

@@ -13,6 +13,7 @@
 
 #include <functional>
 #include <memory>
+#include <vector>
 
 #include "brushwork/stroke_parameters.h"
 #include "strokes/path/stroke_interpolator.h"
@@ -21,7 +22,7 @@
 
 namespace brushwork::npc {
 
-// Hears of every box of pixels that may have changed.
+// Hears of every box of pixels that may have changed, once the stamps of a point are laid.
 using TileCallback = std::function<void(const ilTile&)>;
 
 class StrokeRenderer {
@@ -51,7 +52,7 @@ class StrokeRenderer {
     // One point of the pen, which is changed to what the interpolator took. True if a stamp was
     // laid.
     virtual bool drawSegment(StampPoint& point);
-    // One stamp just there.
+    // One stamp just there, and at the interpolator's copies of it. True if one was laid.
     virtual bool drawStamp(const StampPoint& point);
     // Fills what the brush carries for a start at this place.
     virtual void preparePickup(float x, float y);
@@ -87,9 +88,21 @@ class StrokeRenderer {
     [[nodiscard]] const Airbrush& airbrush() const { return airbrush_; }
     [[nodiscard]] const StampPoint& lastPoint() const { return lastPoint_; }
 
+  protected:
+    // For a renderer that paints through others. A path begins; a stamp beside the path (true if it
+    // was laid); the dot of a path that laid no stamp.
+    virtual void pathBegan(const StampPoint& first);
+    virtual bool layBeside(const StampPoint& point);
+    virtual void layDot(const StampPoint& last);
+
+    void copySettingsTo(StrokeRenderer& copy) const;
+    void report(const ilTile& touched) const;
+
   private:
     [[nodiscard]] bool smears() const { return stampRenderer_->parameters().smearEnabled; }
+    [[nodiscard]] bool copyOf(const StampPoint& point, std::int32_t n, StampPoint& copy) const;
     void layStamp(const StampPoint& stamp);
+    void reportTouched();
     void chooseMode();
 
     bool begun_ = false;
@@ -102,6 +115,7 @@ class StrokeRenderer {
     bool firstPoint_ = true;
     bool laidStamp_ = false;  // in this stroke
     TileCallback tileCallback_;
+    std::vector<ilTile> touched_;  // by the stamps of a point
     StampPoint lastPoint_;
     Airbrush airbrush_;
 };

@@ -210,6 +210,34 @@ TEST(StampMaker, FreshColoursMayBeWrittenOn) {
     EXPECT_EQ(bytesOf(maker.make(point).color), first);
 }
 
+// No smaller part holds all of the mask.
+TEST(StampMaker, TheInkedPartIsTight) {
+    for (const StampTip& tip : tips())
+        for (const float radius : {0.0625f, 0.9f, 4.0f, 17.3f, 80.0f})
+            for (const float angle : {0.0f, 33.0f}) {
+                StampMaker maker(makeRef<StampImageCache>());
+                maker.setTip(tip);
+                const StampImages& stamp =
+                    maker.make(maker.quantized(pointOf(radius, 10.3f, -7.6f, angle)));
+                const ilTile& inked = stamp.inked;
+                std::int32_t left = INT32_MAX, right = INT32_MIN, low = INT32_MAX, high = INT32_MIN;
+                for (std::int32_t y = 0; y < stamp.mask->sizeY(); ++y)
+                    for (std::int32_t x = 0; x < stamp.mask->sizeX(); ++x)
+                        if (stamp.mask->data()[y * stamp.mask->sizeX() + x]) {
+                            left = std::min(left, stamp.box.x + x);
+                            right = std::max(right, stamp.box.x + x + 1);
+                            low = std::min(low, stamp.box.y + y);
+                            high = std::max(high, stamp.box.y + y + 1);
+                        }
+                if (left > right) {
+                    EXPECT_TRUE(inked.isEmpty()) << radius;
+                    continue;
+                }
+                EXPECT_EQ(inked, flatTile(left, low, right - left, high - low))
+                    << radius << " at " << angle;
+            }
+}
+
 TEST(StampMaker, WarmStampsAllocateNothing) {
     std::vector<StampTip> all = tips();
     for (const bool cached : {true, false})

@@ -15,6 +15,7 @@
 #include "strokes/stroke/pen_strokes.h"
 #include "strokes/stroke/pickup_buffers.h"
 #include "strokes/stroke/stroke_replay.h"
+#include "support/allocation_count.h"
 
 namespace brushwork::npc {
 namespace {
@@ -138,6 +139,65 @@ TEST(StrokeRenderer, TilesThatItTellsOfCoverEveryChange) {
 
 // With no mode that mixes, a pixel's coverage only grows along a line: a seam or a gap would show
 // as a dent along the line's middle.
+// Who is told of a stamp may keep what is there then, by sharing the pages: later stamps don't show
+// in it.
+TEST(StrokeRenderer, WhatACallbackKeepsStaysAsItWas) {
+    for (const TestBrush& with : test::brushSet()) {
+        Canvas canvas(400);
+        const std::size_t bytes = static_cast<std::size_t>(400) * 400 * 4;
+        std::vector<std::pair<Ref<ilSmartImage>, Bytes>> kept;
+        paint(canvas, with, test::drawnStrokes(), {}, [&](const ilTile&) {
+            if (kept.size() == 40) return;
+            // A child keeps the pages that it has looked up.
+            const auto copy = makeRef<ilSmartImage>(canvas.high.get());
+            Bytes looked(bytes);
+            copy->readRegion(canvas.box(), looked.data(), canvas.box());
+            Bytes now(bytes);
+            canvas.high->readRegion(canvas.box(), now.data(), canvas.box());
+            kept.emplace_back(copy, std::move(now));
+        });
+        ASSERT_FALSE(kept.empty());
+        for (const auto& [copy, then] : kept) {
+            Bytes now(bytes);
+            copy->readRegion(canvas.box(), now.data(), canvas.box());
+            ASSERT_TRUE(now == then) << with.name;
+        }
+    }
+}
+
+// The walk takes nothing from the heap, and stamps on pages that are there take nothing either:
+// what a point costs doesn't grow with its stamps.
+TEST(StrokeRenderer, StampsAllocateNothing) {
+    const auto taken = [](float way) {
+        TestBrush with = test::brushSet()[0];
+        with.brush.radiusHigh = 4.0f;
+        with.stroke.interpolationKind = 0;
+        Canvas canvas(400);
+        StrokeRenderer renderer(canvas.high.get(), canvas.low.get());
+        renderer.setParameters(with.stroke, &with.brush);
+        std::size_t stamps = 0;
+        renderer.setTileCallback([&](const ilTile&) { ++stamps; });
+        const auto point = [](float x) {
+            return StampPoint{x, 20.0f, 4.0f, 0.5f, 1.0f, 0.0f, 1.0f, 1.0f, 1.0f};
+        };
+        std::uint64_t least = UINT64_MAX;
+        for (int turn = 0; turn < 3; ++turn) {  // the first fills the cache
+            renderer.beginStroke(false);
+            renderer.addPoint(point(8.0f));
+            stamps = 0;
+            const std::uint64_t before = test::allocations();
+            renderer.addPoint(point(8.0f + way));
+            least = std::min(least, test::allocations() - before);
+            renderer.endStroke();
+        }
+        return std::pair(stamps, least);
+    };
+    const auto few = taken(10.0f), many = taken(100.0f);
+    EXPECT_GT(many.first, 5 * few.first);
+    EXPECT_EQ(many.second, few.second);
+    EXPECT_LT(many.second, 20u);
+}
+
 TEST(StrokeRenderer, ALineHasNoGapsAcrossPages) {
     for (const float radius : {0.7f, 3.0f, 7.9f, 8.1f, 15.9f, 16.1f, 63.0f, 64.5f}) {
         Canvas canvas(700);
