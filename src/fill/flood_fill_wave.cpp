@@ -1,0 +1,33 @@
+#include "fill/flood_fill_wave.h"
+
+#include <new>
+#include <utility>
+
+namespace brushwork {
+
+void FloodFillWave::advance() {
+    const std::int32_t headX = elementX(0);
+    const std::int32_t headY = elementY(0);
+    if (leftWave)
+        ++leftWave->length;
+    else
+        leftWave.reset(new (std::nothrow) FloodFillWave(headX, headY, 1, -dy, dx));
+    if (rightWave)
+        rightWave->growFirst();
+    else
+        rightWave.reset(new (std::nothrow)
+                            FloodFillWave(elementX(length - 1), elementY(length - 1), 1, dy, -dx));
+    x += dx;
+    y += dy;
+}
+
+void pushWave(FloodFillWaves& waves, std::unique_ptr<FloodFillWave> wave) {
+    if (!wave) return;
+    try {
+        waves.push_back(std::move(wave));
+    } catch (const std::bad_alloc&) {
+        // That branch of the flood ends here.
+    }
+}
+
+}  // namespace brushwork
