@@ -24,6 +24,7 @@ using HostSurface = void*;  // the pixels that such a canvas shows; null is none
 using HostTimerId = std::int32_t;
 using HostTimerCallback = void (*)(void* argument);
 using HostCurve = void*;  // a plane curve of the host's; null is none
+using HostShape = void*;  // a vector shape of the host's; null is none
 using HostReservedCall = void (*)();
 
 // A piece of a tessellated curve: where it begins and how far it goes.
@@ -104,8 +105,21 @@ struct HostCallTable {
                                     std::int32_t* count) = nullptr;
     void (*freeSegments)(HostSegment* segments) = nullptr;
 
+    // Shapes.
+    // A shape was made that carries this value of the host's, with 0 beside it. The engine keeps
+    // the answer for the host to ask for.
+    void* (*shapeDataCreated)(void* hostData, std::int32_t value) = nullptr;
+    // A curve of the shape, counted from 0; null behind the last. Together they are its outline, in
+    // layer pixels. It stays the host's and must last until the next call about this shape. Of a
+    // shape that warps, curves come in pairs: where a line of the picture lies, and where it goes.
+    HostCurve (*shapeCurve)(HostShape shape, std::int32_t index) = nullptr;
+    // The tip that strokes the outline: a byte of coverage a pixel, rows from below without
+    // padding. The memory is the host's and must last until the next call. Null: a round tip.
+    const std::uint8_t* (*shapeStamp)(HostShape shape, std::int32_t* width,
+                                      std::int32_t* height) = nullptr;
+
     // Slots that no role uses yet. They are cleared like the others.
-    HostReservedCall reserved[28] = {};
+    HostReservedCall reserved[25] = {};
 };
 
 inline constexpr int hostCallSlots = 68;

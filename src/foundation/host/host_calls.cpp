@@ -69,4 +69,22 @@ std::vector<HostSegment> hostTessellateCurve(HostCurve curve, double tolerance) 
     return copy;
 }
 
+HostCurve hostShapeCurve(HostShape shape, std::int32_t index) {
+    const auto call = hostCallTable().shapeCurve;
+    return shape && call ? call(shape, index) : nullptr;
+}
+
+void* hostShapeDataCreated(void* hostData) {
+    const auto call = hostCallTable().shapeDataCreated;
+    return hostData && call ? call(hostData, 0) : nullptr;
+}
+
+const std::uint8_t* hostShapeStamp(HostShape shape, std::int32_t* width, std::int32_t* height) {
+    *width = *height = 0;
+    const auto call = hostCallTable().shapeStamp;
+    const std::uint8_t* const tip = shape && call ? call(shape, width, height) : nullptr;
+    if (!tip || *width < 1 || *height < 1) *width = *height = 0;
+    return *width > 0 ? tip : nullptr;
+}
+
 }  // namespace brushwork

@@ -29,4 +29,12 @@ void hostReleaseCurve(HostCurve curve);
 [[nodiscard]] bool hostCurveBounds(HostCurve curve, double* low2, double* high2);
 [[nodiscard]] std::vector<HostSegment> hostTessellateCurve(HostCurve curve, double tolerance);
 
+// About a shape, which may be null.
+[[nodiscard]] HostCurve hostShapeCurve(HostShape shape, std::int32_t index);
+// What the host keeps with a new shape; null for data of null.
+[[nodiscard]] void* hostShapeDataCreated(void* hostData);
+// The host's memory; null, and sizes of 0, without a tip.
+[[nodiscard]] const std::uint8_t* hostShapeStamp(HostShape shape, std::int32_t* width,
+                                                 std::int32_t* height);
+
 }  // namespace brushwork

@@ -79,6 +79,11 @@ std::optional<PressureSettings>& storedPressureSettings() {
     return settings;
 }
 
+std::optional<bool>& storedUndoDisabled() {
+    static std::optional<bool> disabled;
+    return disabled;
+}
+
 }  // namespace
 
 const BridgeSettings& bridgeSettings() {
@@ -99,10 +104,17 @@ const PressureSettings& pressureSettings() {
     return *stored;
 }
 
+bool undoDisabled() {
+    auto& stored = storedUndoDisabled();
+    if (!stored) stored = platform::environmentVariable("SID_UNDO_DISABLE") == "1";
+    return *stored;
+}
+
 void resetSettings() {
     storedBridgeSettings().reset();
     storedCacheSettings().reset();
     storedPressureSettings().reset();
+    storedUndoDisabled().reset();
 }
 
 }  // namespace brushwork

@@ -41,6 +41,9 @@ struct PressureSettings {
 
 [[nodiscard]] const PressureSettings& pressureSettings();
 
+// Of undo: SID_UNDO_DISABLE of exactly "1" turns it off for the process.
+[[nodiscard]] bool undoDisabled();
+
 // Forgets what was read, so that a test can set variables and read them again. Not while another
 // thread reads settings.
 void resetSettings();
