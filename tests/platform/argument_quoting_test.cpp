@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <random>
 
+#include "support/test_seed.h"
+
 using brushwork::platform::commandLine;
 using brushwork::platform::quoteArgument;
 
@@ -110,7 +112,7 @@ TEST(ArgumentQuoting, EveryShortArgumentSplitsBackIntoItself) {
 }
 
 TEST(ArgumentQuoting, RandomLines) {
-    const std::uint32_t seed = std::random_device{}();
+    const std::uint32_t seed = brushwork::test::testSeed();
     SCOPED_TRACE(seed);
     std::mt19937 random(seed);
     const std::u16string units = u"\\\\\\\"\" \t\n\r\va\u00e9\u6f22\xd83d'^%&=/;";

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "support/scratch_directory.h"
+#include "support/test_seed.h"
 
 namespace brushwork::platform {
 namespace {
@@ -77,7 +78,7 @@ TEST_F(ByteStreamTest, TargetsAreInPlaceOnlyWhenCommitted) {
 }
 
 TEST_F(ByteStreamTest, TargetsTakeBytesInAnyOrder) {
-    const auto seed = std::random_device()();
+    const auto seed = brushwork::test::testSeed();
     SCOPED_TRACE(testing::Message() << "seed " << seed);
     std::mt19937 random(seed);
     std::string model;

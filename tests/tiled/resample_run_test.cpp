@@ -5,6 +5,7 @@
 #include <cmath>
 #include <numeric>
 
+#include "support/test_seed.h"
 #include "tiled/cell_shares.h"
 #include "tiled/filter_factory.h"
 #include "tiled/tile_regions.h"
@@ -52,7 +53,7 @@ TriangleVertex vertex(double x, double y) {
 
 // Every pixel whose centre lies in the polygon is drawn by just one of its triangles.
 TEST(TriangleWalker, NeighboursNeitherOverlapNorLeaveGaps) {
-    const std::uint32_t seed = std::random_device()();
+    const std::uint32_t seed = brushwork::test::testSeed();
     std::printf("seed %u\n", seed);
     Random random(seed);
     constexpr PixelRect grid{-128, -128, 384, 384};

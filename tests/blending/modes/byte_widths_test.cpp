@@ -99,7 +99,7 @@ TEST_P(ByteWidths, EqualTheDefinition) {
     const bool copies =
         GetParam() == BlendModeId::Replace || GetParam() == BlendModeId::MaskMultiply;
     unsigned turn = 0;
-    for (std::size_t count = 1; count <= 70; ++count) {
+    for (std::size_t count = 0; count <= 70; ++count) {
         for (std::size_t offset = 0; offset < 32; ++offset) {
             Shape shape = shapeOf(++turn, count, offset);
             const auto blender = blenderWith(GetParam(), shape.opacity);
@@ -174,7 +174,7 @@ TEST(GrayKernels, FormulaInAllForms) {
 
 TEST(GrayKernels, WidthsEqualTheDefinition) {
     unsigned turn = 0;
-    for (std::size_t count = 1; count <= 140; ++count) {
+    for (std::size_t count = 0; count <= 140; ++count) {
         for (std::size_t offset = 0; offset < 32; offset += 3) {
             Shape shape = shapeOf(++turn, count, offset);
             for (const bool masked : {false, true}) {

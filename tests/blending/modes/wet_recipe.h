@@ -115,7 +115,7 @@ class WetMode {
         for (const VectorLevel level : vectorLevels()) forms.push_back({true, level, level});
         static constexpr std::size_t misalignments[] = {0, 1, 2, 3, 4, 8, 15, 16, 29, 31};
         unsigned seed = 1000;
-        for (std::size_t count = 1; count <= 70; ++count) {
+        for (std::size_t count = 0; count <= 70; ++count) {
             for (const std::size_t misalignment : misalignments) {
                 for (const auto mask : {RowShape::Mask::Edgy, RowShape::Mask::Empty,
                                         RowShape::Mask::Full, RowShape::Mask::Patchy}) {

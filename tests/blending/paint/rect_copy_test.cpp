@@ -207,7 +207,7 @@ TEST(RectCopy, ZoomsRoundBothEnds) {
     Dice dice(seed);
     Picture picture(40, 40, 4, dice);
     for (int round = 0; round < 100; ++round) {
-        static constexpr float zooms[] = {0.1F, 0.5F, 0.75F, 1.0F, 1.5F, 2.0F, 3.25F};
+        static constexpr float zooms[] = {0.1F, 0.5F, 0.7F, 1.0F, 1.5F, 2.0F, 3.25F};
         const float zx = zooms[pick(dice, 0, 6)], zy = zooms[pick(dice, 0, 6)];
         const float stretch = pick(dice, 0, 1) ? 1.0F : 2.0F;
         const int x = pick(dice, -20, 60), y = pick(dice, -20, 60);
@@ -220,10 +220,10 @@ TEST(RectCopy, ZoomsRoundBothEnds) {
         const std::int32_t result = ops->rect_copy(x, y, w, h, PaintSource::of(source.get(), 2, 3),
                                                    {}, 0, stretch, stretch);
         const auto placed = [](int start, int extent, float zoom) {
-            const double a = std::round(double{zoom} * start);
-            return std::pair<int, int>{
-                static_cast<int>(a),
-                static_cast<int>(std::round(double{zoom} * (start + extent)) - a)};
+            const auto end = [zoom](int place) {
+                return static_cast<int>(std::lround(static_cast<float>(place) * zoom));
+            };
+            return std::pair<int, int>{end(start), end(start + extent) - end(start)};
         };
         const auto [px, pw] = placed(x, w, zx);
         const auto [py, ph] = placed(y, h, zy);
@@ -250,6 +250,20 @@ TEST(RectCopy, ZoomsRoundBothEnds) {
             << "round " << round << " zoom " << zx << ", " << zy << " stretch " << stretch
             << " box " << x << " " << y << " " << w << " " << h;
     }
+}
+
+TEST(RectCopy, AZoomedEndIsAFloat) {
+    ZoomedSpan span;
+    ASSERT_TRUE(zoomSpan(5, 10, 0.7F, span));  // in more digits the float 0.7 stays below 3.5
+    EXPECT_EQ(span.start, 4);
+    EXPECT_EQ(span.extent, 7);  // 10.5 is 11
+    ASSERT_TRUE(zoomSpan(-5, 5, 0.7F, span));
+    EXPECT_EQ(span.start, -4);
+    ASSERT_TRUE(zoomSpan((1 << 24) + 1, 2, 1.0F, span));
+    EXPECT_EQ(span.start, (1 << 24) + 1);
+    EXPECT_EQ(span.extent, 2);
+    EXPECT_FALSE(zoomSpan(-(1 << 29), 1 << 30, 2.0F, span));  // an extent of 2^31
+    EXPECT_FALSE(zoomSpan(1, 1, std::nanf(""), span));
 }
 
 TEST(RectCopy, ASmoothZoomKeepsOneColourAndItsOrder) {

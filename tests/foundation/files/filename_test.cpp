@@ -6,6 +6,7 @@
 #include <random>
 
 #include "platform/file_calls.h"
+#include "support/test_seed.h"
 
 namespace brushwork::znOS {
 namespace {
@@ -119,7 +120,7 @@ std::u16string slowlyNormal(std::u16string path, char16_t separator) {
 }
 
 TEST(Filename, AgreesWithTheStepsDoneOneByOne) {
-    const auto seed = std::random_device()();
+    const auto seed = brushwork::test::testSeed();
     SCOPED_TRACE(testing::Message() << "seed " << seed);
     std::mt19937 random(seed);
     constexpr std::u16string_view pieces[] = {u"/", u"\\", u"/../", u"\\..\\", u"..", u".",

@@ -6,6 +6,7 @@
 #include <random>
 
 #include "foundation/host/host_calls.h"
+#include "support/test_seed.h"
 
 namespace brushwork {
 namespace {
@@ -66,7 +67,7 @@ TEST_F(PolylineCurves, MapsItsCornersAndMeasuresAnew) {
 }
 
 TEST_F(PolylineCurves, NearestIsTheNearestOfAFineRow) {
-    const unsigned seed = std::random_device()();
+    const unsigned seed = brushwork::test::testSeed();
     SCOPED_TRACE(::testing::Message() << "seed " << seed);
     std::mt19937 random(seed);
     std::uniform_real_distribution<double> coordinate(0.0, 100.0);

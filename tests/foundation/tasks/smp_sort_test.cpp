@@ -6,6 +6,8 @@
 #include <random>
 #include <thread>
 
+#include "support/test_seed.h"
+
 namespace brushwork::znUtil {
 namespace {
 
@@ -35,7 +37,7 @@ std::vector<int> shuffled(int count, std::mt19937& random) {
 }
 
 TEST(SmpSort, EqualsAStableSortOnOneThreadAndOnTwo) {
-    const auto seed = std::random_device{}();
+    const auto seed = brushwork::test::testSeed();
     SCOPED_TRACE("seed " + std::to_string(seed));
     std::mt19937 random(seed);
     PairPool pair;

@@ -9,6 +9,7 @@
 
 #include "brushwork/runtime.h"
 #include "platform/processor.h"
+#include "support/test_seed.h"
 
 namespace brushwork {
 namespace {
@@ -91,7 +92,7 @@ class Tree {
 };
 
 TEST_P(TaskPoolTest, RandomTreesOfTasks) {
-    const auto seed = std::random_device{}();
+    const auto seed = brushwork::test::testSeed();
     SCOPED_TRACE("seed " + std::to_string(seed));
     int nodes = 0;
     for (unsigned turn = 0; turn < 60; ++turn) {

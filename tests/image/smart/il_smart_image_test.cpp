@@ -8,14 +8,17 @@
 #include <vector>
 
 #include "foundation/services/log.h"
+#include "image/cache/cache_rig.h"
 #include "image/cache/smart_image_cache.h"
 #include "image/memory/image_health.h"
+#include "image/memory/memory_manager.h"
 #include "image/smart/smart_alpha.h"
 #include "image/work/il_sp_memory_img.h"
 
 namespace brushwork {
 namespace {
 
+using test::Manager;
 using testing::ElementsAreArray;
 
 constexpr std::uint32_t red = 0xFF0000FF;
@@ -46,16 +49,19 @@ SmartImageCache::Counts counts() {
     return SmartImageCache::instance().counts();
 }
 
-// Runs with a fresh failure flag and leaves no page behind.
-class SmartImageTest : public testing::Test {
+// Runs with a fresh failure flag and leaves no page and no block behind.
+class SmartImageTest : public testing::TestWithParam<Manager> {
   protected:
     void SetUp() override {
         clearImageFailure();
         pages_ = smartPageCount();
+        if (GetParam() == Manager::On) BworkMemory::instance().enable(true);
     }
     void TearDown() override {
         EXPECT_EQ(smartPageCount(), pages_);
         EXPECT_EQ(imageFailure(), 0);
+        if (GetParam() == Manager::Off) return;
+        EXPECT_TRUE(BworkMemory::instance().reset());
     }
 
   private:
@@ -64,7 +70,7 @@ class SmartImageTest : public testing::Test {
 
 using SmartImage = SmartImageTest;
 
-TEST_F(SmartImage, CostsWhatItHolds) {
+TEST_P(SmartImage, CostsWhatItHolds) {
     const auto start = counts();
     const auto layer = filled(0);
     EXPECT_EQ(layer->fillRegion(flatTile(-300, 0, 5000, 5000), pixelOf(red)), ImageOk);
@@ -95,7 +101,7 @@ TEST_F(SmartImage, CostsWhatItHolds) {
     EXPECT_EQ(counts().allocated - start.allocated, rims + 5);
 }
 
-TEST_F(SmartImage, ThreeHoldersShareUntilOneWrites) {
+TEST_P(SmartImage, ThreeHoldersShareUntilOneWrites) {
     const auto first = filled(0);
     put(*first, flatTile(0, 0, 128, 128), red);
     const auto second = first->clone();
@@ -108,7 +114,7 @@ TEST_F(SmartImage, ThreeHoldersShareUntilOneWrites) {
     EXPECT_EQ(second->getPixel(3, 3), red);
 }
 
-TEST_F(SmartImage, BeyondTheLimitIsFillAndStaysSo) {
+TEST_P(SmartImage, BeyondTheLimitIsFillAndStaysSo) {
     const auto image = filled(0x0A0B0C0D);
     image->setPixel(102400, 5, red);
     image->setPixel(-102401, 5, red);
@@ -126,7 +132,7 @@ TEST_F(SmartImage, BeyondTheLimitIsFillAndStaysSo) {
     EXPECT_EQ(boundsOf(*image), flatTile(102399, 5, 1, 1));
 }
 
-TEST_F(SmartImage, ShrinksToNothingAndPastEqualSums) {
+TEST_P(SmartImage, ShrinksToNothingAndPastEqualSums) {
     const auto image = filled(2, 1);
     put(*image, flatTile(-50, -50, 400, 300), 2);
     image->shrinkBounds();  // one channel with a fill: only if forced
@@ -152,7 +158,7 @@ TEST_F(SmartImage, ShrinksToNothingAndPastEqualSums) {
     EXPECT_EQ(boundsOf(*tricky), flatTile(0, 0, 128, 65));
 }
 
-TEST_F(SmartImage, KeepsFixedBounds) {
+TEST_P(SmartImage, KeepsFixedBounds) {
     const auto image = filled(0);
     image->setFixedBounds(flatTile(10, 10, 50, 60));
     put(*image, flatTile(0, 0, 500, 500), red);
@@ -165,7 +171,7 @@ TEST_F(SmartImage, KeepsFixedBounds) {
     EXPECT_EQ(boundsOf(*child), flatTile(10, 10, 50, 60));
 }
 
-TEST_F(SmartImage, HeirsOutliveTheirParent) {
+TEST_P(SmartImage, HeirsOutliveTheirParent) {
     const auto grand = filled(0);
     put(*grand, flatTile(0, 0, 300, 300), 1);
     Ref<ilSmartImage> parent(new ilSmartImage(grand.get()));
@@ -188,7 +194,7 @@ TEST_F(SmartImage, HeirsOutliveTheirParent) {
     EXPECT_EQ(filled(0)->pushToSource(), ImageNotOneParent);
 }
 
-TEST_F(SmartImage, PushesErasuresAndCopies) {
+TEST_P(SmartImage, PushesErasuresAndCopies) {
     const auto parent = filled(0);
     put(*parent, flatTile(0, 0, 256, 128), red);
     const Ref<ilSmartImage> child(new ilSmartImage(parent.get()));
@@ -205,7 +211,7 @@ TEST_F(SmartImage, PushesErasuresAndCopies) {
     EXPECT_EQ(boundsOf(*parent), boundsOf(*child));
 }
 
-TEST_F(SmartImage, ReadsAnotherKindOfParentWhenAsked) {
+TEST_P(SmartImage, ReadsAnotherKindOfParentWhenAsked) {
     const Ref<ilSPMemoryImg> memory(new ilSPMemoryImg(200, 100, 4));
     std::memset(memory->data(), 0x33, 200 * 100 * 4);
     const Ref<ilSmartImage> image(new ilSmartImage(memory.get()));
@@ -226,7 +232,7 @@ TEST_F(SmartImage, ReadsAnotherKindOfParentWhenAsked) {
 
 // Of a picture of an image that has another kind of parent, pages that nobody has read yet survive
 // what the image writes to that parent.
-TEST_F(SmartImage, PicturesKeepTheirPagesWhenTheParentIsWritten) {
+TEST_P(SmartImage, PicturesKeepTheirPagesWhenTheParentIsWritten) {
     const Ref<ilSPMemoryImg> memory(new ilSPMemoryImg(256, 128, 1));
     std::memset(memory->data(), 0x33, 256 * 128);
     const Ref<ilSmartImage> image(new ilSmartImage(memory.get()));
@@ -248,7 +254,7 @@ TEST_F(SmartImage, PicturesKeepTheirPagesWhenTheParentIsWritten) {
 }
 
 // Of a copy to its parent the heir keeps what was read; what the limit cuts off was not.
-TEST_F(SmartImage, HeirsKeepOnlyWhatACopyReads) {
+TEST_P(SmartImage, HeirsKeepOnlyWhatACopyReads) {
     const auto parent = filled(0);
     const std::int32_t edge = coordinateLimit - 128;
     put(*parent, flatTile(edge - 128, 0, 256, 128), 3);
@@ -264,7 +270,7 @@ TEST_F(SmartImage, HeirsKeepOnlyWhatACopyReads) {
 
 // A parent that has grown shows more on a page than its child's bounds held; what a reader has seen
 // there outlives a trim on another side.
-TEST_F(SmartImage, BoundsHoldWhatAnInheritedPageShows) {
+TEST_P(SmartImage, BoundsHoldWhatAnInheritedPageShows) {
     const auto parent = filled(0);
     put(*parent, flatTile(0, 0, 100, 100), red);
     const Ref<ilSmartImage> child(new ilSmartImage(parent.get()));
@@ -277,7 +283,7 @@ TEST_F(SmartImage, BoundsHoldWhatAnInheritedPageShows) {
     EXPECT_EQ(child->getPixel(50, 110), red);
 }
 
-TEST_F(SmartImage, TurnsToOtherSpaces) {
+TEST_P(SmartImage, TurnsToOtherSpaces) {
     const auto image = filled(0);
     for (std::int32_t y = 0; y < 3; ++y)
         for (std::int32_t x = 0; x < 4; ++x)
@@ -305,7 +311,7 @@ TEST_F(SmartImage, TurnsToOtherSpaces) {
     }
 }
 
-TEST_F(SmartImage, LocksKeepTheirPage) {
+TEST_P(SmartImage, LocksKeepTheirPage) {
     const auto image = filled(0);
     put(*image, flatTile(0, 0, 128, 128), red);
     const auto holder = image->clone();
@@ -340,7 +346,7 @@ TEST_F(SmartImage, LocksKeepTheirPage) {
     EXPECT_EQ(counts().locked, 0);
 }
 
-TEST_F(SmartImage, TellsOfDamageOnce) {
+TEST_P(SmartImage, TellsOfDamageOnce) {
     std::string text;
     setLogSink([&](std::string_view piece) { text += piece; });
     {
@@ -355,11 +361,103 @@ TEST_F(SmartImage, TellsOfDamageOnce) {
         EXPECT_EQ(image->writeRegion(place, &pixel, place), ImageUnusable);
         words[0] = brushwork::liveSignature;
     }
-    setLogSink({});
     EXPECT_EQ(text, "SID: ERROR: Invalid ilSmartImage\n");
+    // Those without an answer tell it, too; what was locked is unlocked nevertheless.
+    for (const bool unlocks : {true, false}) {
+        clearImageFailure();
+        text.clear();
+        const auto image = filled(0);
+        const Ref<ilSmartImage> child(new ilSmartImage(image.get()));
+        auto* const words = reinterpret_cast<std::uint32_t*>(&child->pages());
+        PageLockRequest request;
+        ASSERT_EQ(child->lockPages({&request, 1}, LockWrite), ImageOk);
+        words[0] = 0;
+        ilSIDImage* const source = unlocks ? nullptr : child->source();
+        EXPECT_EQ(source, nullptr);
+        child->unlockPages({&request, 1});
+        EXPECT_EQ(counts().locked, 0);
+        words[0] = brushwork::liveSignature;
+        EXPECT_EQ(child->source(), image.get());
+        EXPECT_EQ(text, "SID: ERROR: Invalid ilSmartImage\n");
+    }
+    setLogSink({});
     EXPECT_NE(imageFailure(), 0);
     clearImageFailure();
 }
+
+// What a question looks at, and what it leaves to be known by the next one.
+TEST_P(SmartImage, QuestionsLookNoFurtherThanAsked) {
+    const auto image = filled(0);
+    const ilTile page = flatTile(0, 0, 128, 128), left = flatTile(0, 0, 64, 128);
+    put(*image, left, red);
+    EXPECT_EQ(image->alphaClassOf(page, false), AlphaClass::Mixed);
+    EXPECT_EQ(image->alphaClassOf(left, true), AlphaClass::Opaque);
+    // Half a page says nothing of the whole.
+    EXPECT_EQ(image->alphaClassOf(left, false), AlphaClass::Mixed);
+    put(*image, flatTile(64, 0, 64, 128), red ^ 1);
+    EXPECT_EQ(image->alphaClassOf(page, true), AlphaClass::Opaque);
+    EXPECT_EQ(image->alphaClassOf(left, false), AlphaClass::Opaque);
+    EXPECT_EQ(image->alphaClassOf(flatTile(0, 0, 129, 128), false), AlphaClass::Mixed);
+    EXPECT_EQ(image->alphaClassOf(flatTile(0, 0, 0, 9), true), AlphaClass::NoPage);
+    EXPECT_EQ(image->alphaClassOf(flatTile(5000, 0, 9, 9), false), AlphaClass::Clear);
+    image->setPixel(1, 1, 0);
+    EXPECT_EQ(image->alphaClassOf(page, true), AlphaClass::Mixed);
+
+    put(*image, page, red);
+    std::uint32_t value = 0;
+    EXPECT_FALSE(image->isSolid(page, value, false));
+    EXPECT_TRUE(image->isSolid(page, value, true));
+    EXPECT_EQ(value, red);
+    while (SmartImageCache::instance().idleStep()) {
+    }
+    value = 0;
+    EXPECT_TRUE(image->isSolid(page, value, false));
+    EXPECT_EQ(value, red);
+    EXPECT_FALSE(image->isSolid(flatTile(-1, 0, 2, 2), value, true));
+}
+
+TEST_P(SmartImage, TracksWhetherWhatIsWrittenHasAKnownAlpha) {
+    const auto image = filled(0);
+    const ilTile page = flatTile(0, 0, 128, 128);
+    image->setPixel(0, 0, red);
+    EXPECT_TRUE(image->allOpaqueClass());  // not tracked
+    image->setTrackAlpha(true);
+    ASSERT_EQ(image->fillRegion(page, pixelOf(red)), ImageOk);
+    EXPECT_TRUE(image->allOpaqueClass());
+    // Who writes in place is asked when he has done it.
+    PageLockRequest request;
+    ASSERT_EQ(image->lockPages({&request, 1}, LockWrite), ImageOk);
+    request.page->data()[0] = 1;
+    image->unlockPages({&request, 1});
+    EXPECT_TRUE(image->allOpaqueClass());
+    EXPECT_EQ(image->alphaClassOf(page, false), AlphaClass::Opaque);
+    ASSERT_EQ(image->lockPages({&request, 1}, LockWrite), ImageOk);
+    request.page->data()[3] = 1;
+    image->unlockPages({&request, 1});
+    EXPECT_FALSE(image->allOpaqueClass());
+    image->setTrackAlpha(true);
+    put(*image, flatTile(3, 3, 1, 1), red);
+    EXPECT_FALSE(image->allOpaqueClass());
+    EXPECT_TRUE(Ref<ilSmartImage>(new ilSmartImage(image.get(), {true}))->trackAlpha());
+}
+
+TEST_P(SmartImage, GrowsToPagesAroundAMargin) {
+    const auto image = filled(0);
+    image->growToPages(9);
+    EXPECT_EQ(boundsOf(*image), emptyTile);
+    put(*image, flatTile(5, 100, 123, 20), red);
+    image->growToPages(5);
+    EXPECT_EQ(boundsOf(*image), flatTile(0, 0, 256, 128));
+    image->growToPages(1);
+    EXPECT_EQ(boundsOf(*image), flatTile(-128, -128, 512, 384));
+    image->growToPages(2147483647);
+    EXPECT_EQ(boundsOf(*image), limitBox);
+}
+
+INSTANTIATE_TEST_SUITE_P(Managers, SmartImage, testing::Values(Manager::Off, Manager::On),
+                         [](const auto& each) {
+                             return each.param == Manager::On ? "ManagerOn" : "ManagerOff";
+                         });
 
 TEST(SmartAlpha, ChoosesTheRepair) {
     EXPECT_EQ(SmartAlpha::repairFor(0, 0, 0), AlphaRepair::None);

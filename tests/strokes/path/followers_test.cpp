@@ -7,6 +7,7 @@
 
 #include "strokes/path/flt_interpolate_2d.h"
 #include "strokes/path/smooth_interpolate_2d.h"
+#include "support/test_seed.h"
 
 namespace brushwork {
 namespace {
@@ -57,7 +58,7 @@ class Polyline {
 };
 
 TEST(FltInterpolate2D, WalksEvenlyAroundCorners) {
-    const unsigned seed = std::random_device()();
+    const unsigned seed = brushwork::test::testSeed();
     SCOPED_TRACE(::testing::Message() << "seed " << seed);
     std::mt19937 random(seed);
     std::uniform_real_distribution<double> coordinate(0.0, 200.0);
@@ -183,7 +184,7 @@ struct Inertia {
 };
 
 TEST(SmoothInterpolate2D, WalksTheTwiceSmoothedPath) {
-    const unsigned seed = std::random_device()();
+    const unsigned seed = brushwork::test::testSeed();
     SCOPED_TRACE(::testing::Message() << "seed " << seed);
     std::mt19937 random(seed);
     std::uniform_real_distribution<double> nudge(-15.0, 15.0);

@@ -12,6 +12,7 @@
 
 #include "brushwork/pressure_filter.h"
 #include "strokes/path/stroke_interpolator.h"
+#include "support/test_seed.h"
 
 namespace brushwork {
 namespace {
@@ -146,7 +147,7 @@ TEST(StrokeSpacing, KeepsTheRuleAlongLinesCornersAndCurves) {
 }
 
 TEST(StrokeSpacing, KeepsTheRuleOnRandomPaths) {
-    const unsigned seed = std::random_device()();
+    const unsigned seed = brushwork::test::testSeed();
     SCOPED_TRACE(::testing::Message() << "seed " << seed);
     std::mt19937 random(seed);
     const auto between = [&](double low, double high) {

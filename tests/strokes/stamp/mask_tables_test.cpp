@@ -8,6 +8,8 @@
 #include <string>
 #include <vector>
 
+#include "support/test_seed.h"
+
 namespace brushwork::npc {
 namespace {
 
@@ -91,7 +93,7 @@ TEST(CoverageHistogram, CountsEverySampleOnce) {
 
 // In random order, since a table leaves out clearing what it knows to be clear.
 TEST(StampMaskTable, IsTheToldProfileForEveryRadius) {
-    const unsigned seed = std::random_device{}();
+    const unsigned seed = brushwork::test::testSeed();
     SCOPED_TRACE("seed " + std::to_string(seed));
     std::mt19937 random(seed);
     std::vector<float> radii;

@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "support/allocation_count.h"
+#include "support/test_seed.h"
 
 namespace brushwork::npc {
 namespace {
@@ -53,7 +54,7 @@ struct Model {
 };
 
 TEST(StampImageCache, BehavesLikeAListOverRandomSequences) {
-    const unsigned seed = std::random_device{}();
+    const unsigned seed = brushwork::test::testSeed();
     SCOPED_TRACE("seed " + std::to_string(seed));
     std::mt19937 random(seed);
     for (const auto& [maxBytes, maxItems] :

@@ -9,6 +9,7 @@
 
 #include "strokes/stamp/stamp_frame.h"
 #include "strokes/stamp/stamp_image_cache.h"
+#include "support/test_seed.h"
 
 namespace brushwork::npc {
 namespace {
@@ -94,7 +95,7 @@ TEST(StampKey, FieldsFromTheTop) {
 
 // Points that agree after rounding are one stamp; those with two keys differ in a field.
 TEST(StampKey, TellsQuantizedStampsApart) {
-    const unsigned seed = std::random_device{}();
+    const unsigned seed = brushwork::test::testSeed();
     SCOPED_TRACE("seed " + std::to_string(seed));
     std::mt19937 random(seed);
     std::uniform_real_distribution<float> share(0.0f, 1.0f);
