@@ -21,7 +21,7 @@ struct KernelRow {
     const std::uint8_t* mask = nullptr;  // null for the kernels without a mask
     std::uint32_t sourceStride = 0;      // pixels: 0 or 1; of source and source2
     std::uint32_t maskStride = 0;        // bytes: 0 or 1
-    std::size_t count = 0;               // pixels, at least 1
+    std::size_t count = 0;               // pixels; of none nothing is written
 };
 
 // Reads opacities and the mode's own parameters from the blender, changes nothing in it.

@@ -207,6 +207,7 @@ void ilSmartImage::setFixedBounds(const ilTile& box) {
 }
 
 void ilSmartImage::clearFixedBounds() {
+    const ImageLockScope lock;
     boxes_.hasFixed = false;
 }
 

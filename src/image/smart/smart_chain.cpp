@@ -46,7 +46,7 @@ ilSmartImage* ilSmartImage::smartSource() {
 
 ilSIDImage* ilSmartImage::source() {
     const ImageLockScope lock;
-    if (parentCount() != 1) return nullptr;
+    if (!isSound() || parentCount() != 1) return nullptr;
     ilImage* const parent = parentImage(0);
     const bool rests = parent && parent->isKindOf(ilSIDImage::descriptor) != 0;
     return rests ? static_cast<ilSIDImage*>(parent) : nullptr;

@@ -93,8 +93,10 @@ std::int32_t ilSmartImage::lockPage(PageLockRequest& request, bool write) {
     return ImageOk;
 }
 
+// What is locked is given back by a damaged image, too.
 void ilSmartImage::unlockPages(std::span<PageLockRequest> requests) {
     const ImageLockScope lock;
+    static_cast<void>(isSound());
     for (PageLockRequest& request : requests) {
         const std::unique_ptr<ilPage> page(std::exchange(request.page, nullptr));
         if (page && page->isValid()) unlockPage(static_cast<LockedPage&>(*page));
@@ -121,7 +123,7 @@ void ilSmartImage::unlockPage(LockedPage& locked) {
         brushwork::unlockPage(page);
         if (page.inMemory() && page.cacheLocks == 0 && (locked.isForWriting() || stayedSolid))
             SmartImageCache::instance().addScan(page);
-        if (page.userLocks == 0) takeBack(page, locked.x, locked.y);
+        if (page.userLocks == 0 && isSound()) takeBack(page, locked.x, locked.y);
     }
 }
 
