@@ -1,0 +1,56 @@
+// BrushFamily: the current brush.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <functional>
+
+#include "brushwork/brush_parameters.h"
+#include "brushwork/brush_texture_parameters.h"
+#include "brushwork/export.h"
+#include "brushwork/image_ref.h"
+#include "brushwork/ref.h"
+#include "brushwork/stroke_parameters.h"
+#include "brushwork/symmetry.h"
+
+namespace brushwork {
+
+struct FacadeState;
+
+class BRUSHWORK_API BrushFamily {
+  public:
+    void setColor(const std::array<float, 4>& color);  // red, green, blue, alpha, 0 to 1
+    [[nodiscard]] std::array<float, 4> color() const;
+    void setBrush(const BrushParameters& brush, const StrokeParameters& stroke);
+    [[nodiscard]] const BrushParameters& brush() const;
+    [[nodiscard]] const StrokeParameters& strokeParameters() const;
+    void setBrushTexture(const Ref<BrushTextureParameters>& texture);
+    // Of one channel the tip, where the brush's own is off or beside it; of four what it paints in
+    // place of the colour. No image: the plain tip and the colour.
+    void setStamp(const ImageRef& image);
+    void setConvolve(float strength, float detail, float radius);
+    // The brush paints from a layer, (x, y) away; -1: it doesn't.
+    void setCloneSource(std::int32_t layerId, float x, float y);
+    // 3 and 4 paint on the stencil.
+    void setStrokeMode(std::int32_t mode);
+    // BlendModeId of the whole stroke over the layer, and its opacity.
+    void setBrushBlend(std::int32_t mode, float opacity = 1.0f);
+    void setTextureBrush(bool on);
+    void setPatternBrush(bool on);
+    // Ranges in percent, drawn anew for each stroke.
+    void setColorJitter(bool on, float hue, float saturation, float value);
+    void setSymmetry(const Ref<Symmetry>& symmetry);
+    void setDisplayUpdates(bool on);
+    void setStrokeHooks(std::function<void()> begin, std::function<void()> end);
+
+  protected:
+    explicit BrushFamily(FacadeState& state) : state_(state) {}
+    BrushFamily(const BrushFamily&) = delete;
+    BrushFamily& operator=(const BrushFamily&) = delete;
+    ~BrushFamily() = default;
+
+  private:
+    FacadeState& state_;
+};
+
+}  // namespace brushwork

@@ -1,0 +1,13 @@
+// The one image that effective images are drawn into.
+#pragma once
+
+#include "brushwork/ref.h"
+#include "image/smart/il_smart_image.h"
+
+namespace brushwork {
+
+// A blank one of four channels; the former is gone but for who holds it. Document's thread only.
+[[nodiscard]] Ref<ilSmartImage> newEffectiveScratch();
+void dropEffectiveScratch();
+
+}  // namespace brushwork

@@ -1,0 +1,108 @@
+// The steps by which a layer is drawn, and the effective image that they make.
+#include "blending/paint/soft_paint_ops.h"
+#include "document/layer/effective_scratch.h"
+#include "document/layer/layer.h"
+#include "document/layer/layer_boxes.h"
+#include "document/layer/layer_fade.h"
+
+namespace brushwork {
+namespace {
+
+// Of the tint of a mask or stencil, beside its overlay opacity.
+constexpr float tintStrength = 0.5f;
+constexpr LayerColor stencilTint{1.0f, 1.0f, 0.0f, 1.0f};
+
+void setPair(PaintOps& painter, BlendFactors pair) {
+    painter.setBlendFactors(pair.source, pair.target);
+}
+
+ilPixel pixelOf(const LayerColor& color) {
+    std::uint8_t bytes[4];
+    for (std::size_t c = 0; c < 4; ++c) bytes[c] = colorByte(color[c]);
+    return ilPixel(TypeUChar, 4, bytes);
+}
+
+void drawAt(PaintOps& painter, const ilTile& box, ilImage* image) {
+    painter.rect_copy(box.x, box.y, box.nx, box.ny, PaintSource::of(image, box.x, box.y), {}, 0,
+                      1.0f, 1.0f);
+}
+
+void keepInside(PaintOps& painter, const ilTile& box, ilImage* image) {
+    const ilTile part = intersection(boundsOf(image), box);
+    if (part.isEmpty()) return;
+    setPair(painter, pairKeepInside);
+    drawAt(painter, part, image);
+}
+
+void fadeInside(PaintOps& painter, const ilTile& box, float opacity) {
+    if (!(opacity < opaqueEnough)) return;
+    setPair(painter, pairKeepInside);
+    fade(painter, box, opacity);
+}
+
+// Whether an image has something to take away in a box; null: anywhere.
+bool attenuates(ilImage* image, const ilTile* box) {
+    const ilTile bounds = boundsOf(image);
+    return !(box ? intersection(bounds, *box) : bounds).isEmpty();
+}
+
+}  // namespace
+
+bool Layer::isAttenuated(const ilTile* box, ilImage* stencil) {
+    return role_ != LayerRole::Paint || attenuates(stencil, box) ||
+           attenuates(images_.clip.get(), box);
+}
+
+void Layer::drawSteps(PaintOps& target, const Drawing& drawing) {
+    const ilTile& box = drawing.box;
+    if (!drawing.color || box.isEmpty()) return;
+    const bool isTinted = drawing.role != LayerRole::Paint;
+    target.setColor(0, 0, 0, 0);
+    setPair(target, pairCopy);
+    if (isTinted) {
+        const bool isMask = drawing.role == LayerRole::Mask;
+        target.fillRegion(box, pixelOf(isMask ? drawing.overlayColor : stencilTint));
+        setPair(target, pairKeepInside);
+    }
+    drawAt(target, box, drawing.color);
+    fadeInside(target, box, isTinted ? tintStrength : drawing.opacity);
+    fadeInside(target, box, drawing.overlayOpacity);
+    keepInside(target, box, drawing.stencil);
+    if (role_ == LayerRole::Paint) refreshClip();
+    keepInside(target, box, images_.clip.get());
+}
+
+Layer::Drawing Layer::drawing(const ilTile& box, float opacity) {
+    Drawing drawing;
+    drawing.box = box;
+    drawing.color = colorImageRef();
+    drawing.stencil = images_.stencil.get();
+    drawing.opacity = opacity;
+    drawing.role = role_;
+    drawing.overlayColor = overlayColor_;
+    drawing.overlayOpacity = role_ == LayerRole::Paint ? 1.0f : overlayOpacity_;
+    return drawing;
+}
+
+Ref<ilImage> Layer::renderEffective(const ilTile* box, ilImage* stencilOverride, bool inherited) {
+    const Ref<ilSmartImage> scratch = newEffectiveScratch();
+    Drawing steps = drawing(box ? *box : ilTile{}, inherited ? inheritedOpacity() : opacity_);
+    if (!box) steps.box = boundsOf(steps.color);
+    if (stencilOverride) steps.stencil = stencilOverride;
+    const Ref<SoftPaintOps> painter(new SoftPaintOps(scratch.get()));
+    drawSteps(*painter, steps);
+    return scratch;
+}
+
+Ref<ilImage> Layer::effectiveImage(const ilTile* box, ilImage* stencilOverride, bool refreshClips,
+                                   bool inherited) {
+    if (role_ == LayerRole::Paint && refreshClips) refreshClip();
+    ilImage* const stencil = stencilOverride ? stencilOverride : images_.stencil.get();
+    const float opacity = inherited ? inheritedOpacity() : opacity_;
+    if (opacity < opaqueEnough || isAttenuated(box, stencil))
+        return renderEffective(box, stencilOverride, inherited);
+    dropEffectiveScratch();
+    return Ref<ilImage>(colorImageRef());
+}
+
+}  // namespace brushwork

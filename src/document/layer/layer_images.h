@@ -1,0 +1,21 @@
+// LayerImages: the pixels of a layer.
+#pragma once
+
+#include <vector>
+
+#include "brushwork/ref.h"
+#include "image/chain/il_image.h"
+
+namespace brushwork {
+
+struct LayerImages {
+    Ref<ilImage> color;    // smart
+    Ref<ilImage> stencil;  // smart, 1 channel: attenuates the colour; 255 passes everything
+    Ref<ilImage> clip;     // the stencil layers above, combined; null when they let all through
+    bool clipDirty = true;
+    Ref<ilImage> source;  // set by the facade and copied with the layer
+    // Scratch copies, one a level number; level 0 is the image itself.
+    std::vector<Ref<ilImage>> levels, wetLevels;
+};
+
+}  // namespace brushwork

@@ -1,0 +1,23 @@
+// The composites below and above the active layer.
+#pragma once
+
+#include "document/stack/stack_parts.h"
+
+namespace brushwork::stack {
+
+void rebuildBelow(StackParts& stack, Ref<ilSmartImage>& out);
+void refreshBelow(StackParts& stack);
+void rebuildAbove(StackParts& stack, Ref<ilSmartImage>& out, bool withSelection, bool refreshMask);
+void refreshAbove(StackParts& stack, bool refreshMask);
+// Both, where they are stale.
+void freshenCaches(StackParts& stack);
+
+// Of the top level: the lowest layer above the active one; null without any.
+[[nodiscard]] Layer* firstAbove(const StackParts& stack);
+// Whether such a layer shows. Masks show as a tint, unless a selection does instead or what they
+// mask is hidden.
+[[nodiscard]] bool isDrawnAbove(const StackParts& stack, Layer& layer, bool withSelection);
+// Whether the tint of the selection lies over all.
+[[nodiscard]] bool showsSelection(const StackParts& stack, bool withSelection);
+
+}  // namespace brushwork::stack

@@ -1,0 +1,322 @@
+#include "document/stack/stack_draw.h"
+
+#include <algorithm>
+#include <cmath>
+#include <vector>
+
+#include "blending/paint/soft_paint_ops.h"
+#include "document/layer/document_switches.h"
+#include "document/stack/blend_run.h"
+#include "document/stack/stack_lookup.h"
+
+namespace brushwork::stack {
+namespace {
+
+constexpr std::uint32_t wantsBackground = 0x8000;
+
+std::uint32_t byteOf(float value) {
+    return static_cast<std::uint32_t>(std::lround(std::clamp(value, 0.0f, 1.0f) * 255.0f));
+}
+
+ilTile boundsOf(ilImage& image) {
+    ilTile box = image.box();
+    if (ilSmartImage* const smart = ilSmartImage::from(&image)) smart->bounds(box);
+    return box;
+}
+
+Ref<ilSmartImage> blankImage() {
+    return Ref<ilSmartImage>(new ilSmartImage(ilPixel(TypeUChar, 4)));
+}
+
+bool showsNothingAround(Layer& layer) {
+    ilImage* const color = layer.colorImageRef();
+    if (!color) return true;
+    const ilPixel fill = color->fill();
+    return std::all_of(fill.data(), fill.data() + fill.channels(),
+                       [](std::uint8_t value) { return value == 0; });
+}
+
+// What of the box a plain layer can change, in document coordinates: of empty ground nothing, save
+// under a mode that acts where nothing is. That acts everywhere, or a dab would change what lies
+// far from it.
+ilTile areaOf(Layer& layer, const ilTile& box) {
+    if (!showsNothingAround(layer) || !keepsUnderNothing(layer.blendMode())) return box;
+    ilTile content;
+    layer.contentBounds(content, true);
+    return intersection(content, box);
+}
+
+// Where nothing attenuates it and no paint is live the source is the layer's own image, for all
+// such boxes at once; elsewhere it is made for each box.
+bool blendPlain(Layer& layer, BlendRun run, const npc::TileSet& boxes, std::int32_t shiftX,
+                std::int32_t shiftY) {
+    std::int32_t x = 0;
+    std::int32_t y = 0;
+    layer.offsetInt(&x, &y);
+    npc::TileSet plain;
+    bool drawn = false;
+    for (const ilTile& box : boxes) {
+        std::int32_t imageX = 0;
+        std::int32_t imageY = 0;
+        const Ref<ilImage> image =
+            layer.wetComposite(flatTile(box.x - x, box.y - y, box.nx, box.ny), &imageX, &imageY);
+        if (!image) continue;
+        if (image == layer.colorImageRef()) {
+            plain.insert(box);
+            continue;
+        }
+        run.source = image.get();
+        run.sourceX = imageX - shiftX;
+        run.sourceY = imageY - shiftY;
+        drawn = blend(run, box) || drawn;
+    }
+    run.source = layer.colorImageRef();
+    run.sourceX = x - shiftX;
+    run.sourceY = y - shiftY;
+    return blend(run, plain) || drawn;
+}
+
+npc::TileSet boxesOf(const LayerDraw& draw, const ilTile& area) {
+    if (draw.tiles) return tilesOf(*draw.tiles, area);
+    npc::TileSet boxes;
+    if (!area.isEmpty()) boxes.insert(area);
+    return boxes;
+}
+
+// Blocks of whole pages that fit beside their sources into a core's cache.
+constexpr std::int32_t blockX = 512, blockY = 256;
+
+bool drawBlocks(StackParts& stack, std::span<Layer* const> layers, PaintOps& target,
+                const LayerDraw& whole) {
+    LayerDraw draw = whole;
+    draw.refreshThumbnail = false;
+    bool drawn = false;
+    const ilTile& box = whole.box;
+    for (std::int32_t y = box.y & ~(blockY - 1); y < box.endY(); y += blockY)
+        for (std::int32_t x = box.x & ~(blockX - 1); x < box.endX(); x += blockX) {
+            draw.box = intersection(flatTile(x, y, blockX, blockY), box);
+            for (Layer* layer : layers) drawn = drawLayer(stack, layer, target, draw) || drawn;
+        }
+    if (whole.refreshThumbnail)
+        for (Layer* layer : layers) static_cast<void>(layer->thumbnailImage(nullptr, 0, 0));
+    return drawn;
+}
+
+GroupRenderRequest requestOf(const LayerDraw& draw) {
+    GroupRenderRequest request;
+    request.tag = draw.tag;
+    request.tileBox = draw.box;
+    // Members that meet other flags, or that are shown for being painted on, make another picture.
+    if (draw.flagMask != ~std::uint32_t{0})
+        request.tag = static_cast<std::int32_t>(draw.flagMask | 0x80000000);
+    else if (draw.activeLayer && draw.activeLayer->role() != LayerRole::Paint)
+        request.tag = draw.activeLayer->id() + 1;
+    request.tiles = draw.tiles;
+    request.hasTiles = draw.tiles != nullptr;
+    request.originIsSet = draw.useOrigin;
+    request.originX = draw.originX;
+    request.originY = draw.originY;
+    request.flagMask = draw.flagMask;
+    request.activeLayer = draw.activeLayer;
+    request.selectionMask = draw.pending;
+    request.showSelection = draw.onStencil;
+    return request;
+}
+
+}  // namespace
+
+bool isDrawable(Layer& layer) {
+    return layer.isDrawable();
+}
+
+bool drawLayer(StackParts& stack, Layer* layer, PaintOps& target, const LayerDraw& draw) {
+    static_cast<void>(stack);
+    ilImage* const image = target.image();
+    if (!layer || !image || (layer->flags() & draw.flagMask) == 0) return false;
+    BlendRun run;
+    run.target = image;
+    run.mode = layer->blendMode();
+    run.opacity = draw.ownOpacity ? layer->opacity() : layer->inheritedOpacity();
+    if (draw.useOrigin) {
+        run.targetX = -draw.originX;
+        run.targetY = -draw.originY;
+    }
+    std::int32_t shiftX = 0;
+    std::int32_t shiftY = 0;
+    if (draw.clipLayer) const_cast<Layer*>(draw.clipLayer)->offsetInt(&shiftX, &shiftY);
+    bool drawn = false;
+    if (LayerGroup* const group = layer->asGroup()) {
+        GroupRenderRequest request = requestOf(draw);
+        if (group->LayerGroup::isPassThrough()) {
+            request.originX -= shiftX;
+            request.originY -= shiftY;
+            request.originIsSet = request.originIsSet || draw.clipLayer;
+            request.target = Ref<ilImage>(image);
+            request.ops = &target;
+            return bool(group->renderGroup(request));
+        }
+        const Ref<ilImage> cache = group->renderGroup(request);
+        if (cache) {
+            run.source = cache.get();
+            run.sourceX = -shiftX;
+            run.sourceY = -shiftY;
+            const bool all = !keepsUnderNothing(run.mode);
+            const ilTile area = all ? draw.box : intersection(boundsOf(*cache), draw.box);
+            drawn = blend(run, boxesOf(draw, area));
+        }
+    } else {
+        layer->prepareForRender(nullptr, false);
+        layer->refreshClip();
+        drawn = blendPlain(*layer, run, boxesOf(draw, areaOf(*layer, draw.box)), shiftX, shiftY);
+    }
+    if (draw.refreshThumbnail) static_cast<void>(layer->thumbnailImage(nullptr, 0, 0));
+    return drawn;
+}
+
+bool drawLayers(StackParts& stack, std::span<Layer* const> layers, PaintOps& target,
+                const LayerDraw& draw) {
+    const auto isPlain = [](Layer* layer) { return !layer->asGroup(); };
+    bool drawn = false;
+    while (!layers.empty()) {
+        const auto end = std::find_if_not(layers.begin(), layers.end(), isPlain);
+        const auto plain = static_cast<std::size_t>(end - layers.begin());
+        if (plain < 2 || draw.tiles) {
+            drawn = drawLayer(stack, layers.front(), target, draw) || drawn;
+            layers = layers.subspan(1);
+            continue;
+        }
+        drawn = drawBlocks(stack, layers.first(plain), target, draw) || drawn;
+        layers = layers.subspan(plain);
+    }
+    return drawn;
+}
+
+void gatherVisible(const LayerChain& chain, float opacity, std::vector<Layer*>& layers,
+                   std::vector<float>& opacities) {
+    for (Layer* layer = chain.first.get(); layer; layer = layer->next.get()) {
+        if (!layer->visible() || layer->role() != LayerRole::Paint) continue;
+        const float product = opacity * layer->opacity();
+        if (product <= invisibleEnough) continue;
+        LayerGroup* const group = layer->asGroup();
+        if (group && group->LayerGroup::isPassThrough()) {
+            gatherVisible(group->children(), product, layers, opacities);
+            continue;
+        }
+        layers.push_back(layer);
+        opacities.push_back(product);
+    }
+}
+
+Ref<ilSmartImage> composeLayers(StackParts& stack, std::span<Layer* const> layers,
+                                std::span<const float> opacities) {
+    static_cast<void>(stack);
+    const Ref<ilSmartImage> image = blankImage();
+    for (std::size_t n = 0; n < layers.size() && n < opacities.size(); ++n) {
+        Layer& layer = *layers[n];
+        BlendRun run;
+        run.target = image.get();
+        run.mode = layer.blendMode();
+        run.opacity = opacities[n];
+        ilTile box;
+        if (LayerGroup* const group = layer.asGroup()) {
+            GroupRenderRequest request;
+            request.tag = 0;
+            layer.contentBounds(request.tileBox, true);
+            const Ref<ilImage> cache = group->renderGroup(request);
+            if (!cache) continue;
+            run.source = cache.get();
+            blend(run, boundsOf(*cache));
+            continue;
+        }
+        layer.prepareForRender(nullptr, false);
+        layer.refreshClip();
+        layer.contentBounds(box, true);
+        npc::TileSet boxes;
+        if (!box.isEmpty()) boxes.insert(box);
+        blendPlain(layer, run, boxes, 0, 0);
+    }
+    image->shrinkBounds();
+    return image;
+}
+
+Ref<ilSmartImage> compositeByFlags(StackParts& stack, std::uint32_t flagMask) {
+    const Ref<ilSmartImage> image = blankImage();
+    const Ref<SoftPaintOps> painter(new SoftPaintOps(image.get()));
+    LayerDraw draw;
+    draw.box = stack.plane.canvasBounds;
+    draw.flagMask = flagMask & ~wantsBackground;
+    if ((flagMask & wantsBackground) != 0) {
+        const std::uint32_t pixel = backgroundPixel(stack);
+        image->fillRegion(draw.box, ilPixel(TypeUChar, 4, &pixel));
+    }
+    for (Layer* layer = stack.list.first.get(); layer; layer = layer->next.get())
+        if (layer->isDrawable()) drawLayer(stack, layer, *painter, draw);
+    return image;
+}
+
+Ref<ilSmartImage> composeToImage(StackParts& stack, std::int32_t id, std::int32_t* x,
+                                 std::int32_t* y, bool clipToCanvas, bool withSelection,
+                                 bool withOpacity) {
+    Layer* const layer = layerById(stack, id);
+    if (!layer) return {};
+    layer->prepareForRender(nullptr, false);
+    layer->refreshClip();
+    ilTile box;
+    layer->contentBounds(box, true);
+    if (clipToCanvas) box = intersection(box, stack.plane.canvasBounds);
+    const Ref<ilSmartImage> image(
+        new ilSmartImage(ilPixel(TypeUChar, layer->role() == LayerRole::Paint ? 4 : 1)));
+    if (x) *x = box.x;
+    if (y) *y = box.y;
+    if (box.isEmpty()) return image;
+    std::int32_t layerX = 0;
+    std::int32_t layerY = 0;
+    layer->offsetInt(&layerX, &layerY);
+    BlendRun run;
+    run.target = image.get();
+    run.mode = static_cast<std::int32_t>(BlendModeId::Replace);
+    run.targetX = box.x;
+    run.targetY = box.y;
+    run.opacity = withOpacity ? layer->inheritedOpacity() : 1.0f;
+    std::int32_t placeX = 0;
+    std::int32_t placeY = 0;
+    Ref<ilImage> source;
+    if (LayerGroup* const group = layer->asGroup()) {
+        GroupRenderRequest request;
+        request.tag = 0;
+        request.tileBox = box;
+        source = group->LayerGroup::isPassThrough() ? Ref<ilImage>() : group->renderGroup(request);
+        if (!source) {
+            std::vector<Layer*> layers;
+            std::vector<float> opacities;
+            gatherVisible(group->children(), 1.0f, layers, opacities);
+            source = composeLayers(stack, layers, opacities);
+        }
+    } else {
+        source = layer->wetComposite(flatTile(box.x - layerX, box.y - layerY, box.nx, box.ny),
+                                     &placeX, &placeY);
+    }
+    if (!source) return image;
+    run.source = source.get();
+    run.sourceX = placeX;
+    run.sourceY = placeY;
+    blend(run, box);
+    ilImage* const mask = stack.selection.paintMask.get();
+    if (withSelection && stack.selection.active && mask) {
+        const Ref<SoftPaintOps> painter(new SoftPaintOps(image.get()));
+        painter->setBlendFactors(pairKeepInside.source, pairKeepInside.target);
+        painter->rect_copy(0, 0, box.nx, box.ny, PaintSource::of(mask, box.x, box.y), PaintFormat(),
+                           0, 1.0f, 1.0f);
+    }
+    return image;
+}
+
+std::uint32_t backgroundPixel(const StackParts& stack) {
+    const auto& color =
+        stack.useGlobalBackground ? documentSwitches().globalBackground : stack.backgroundColor;
+    const float alpha = std::clamp(color[3], 0.0f, 1.0f);
+    return byteOf(color[0] * alpha) | byteOf(color[1] * alpha) << 8 |
+           byteOf(color[2] * alpha) << 16 | byteOf(alpha) << 24;
+}
+
+}  // namespace brushwork::stack

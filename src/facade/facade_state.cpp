@@ -1,0 +1,107 @@
+#include "facade/facade_state.h"
+
+#include "document/layer/shape_layer.h"
+#include "foundation/host/host_canvas.h"
+#include "image/cache/smart_image_cache.h"
+
+namespace brushwork {
+
+FacadeState::FacadeState()
+    : idle([this] {
+          SmartImageCache::instance().idleStep();
+          if (LayerStack* const stack = current(); stack && !stroke.open) stack->freshenCaches();
+      }) {}
+
+FacadeState::~FacadeState() {
+    idle.cancel();
+}
+
+LayerStack* FacadeState::stackAt(std::int32_t canvas) const {
+    return canvases.stackAt(canvas);
+}
+
+std::int32_t FacadeState::slotCount() const {
+    return static_cast<std::int32_t>(canvases.slots.size());
+}
+
+void FacadeState::makeCurrent(std::int32_t canvas) {
+    if (LayerStack* const before = current()) before->parts().isCurrent = false;
+    canvases.current = stackAt(canvas) ? canvas : noLayer;
+    if (LayerStack* const now = current()) now->parts().isCurrent = true;
+}
+
+void FacadeState::replaceStack(LayerStack& stack, std::int32_t canvas) {
+    canvas = canvases.resolve(canvas);
+    if (canvas < 0 || canvas >= slotCount()) return;
+    modal.enter();
+    Ref<LayerStack>& slot = canvases.slots[static_cast<std::size_t>(canvas)];
+    const Ref<LayerStack> former = slot;
+    if (former && former != &stack) {
+        StackParts& from = former->parts();
+        StackParts& to = stack.parts();
+        stack::endFill(from);
+        to.plane.canvas = from.plane.canvas;
+        to.plane.image = from.plane.image;
+        to.plane.ops = from.plane.ops;
+        // A plane of the engine's own has the size that the document had.
+        const ilTile size = to.plane.canvasBounds;
+        to.plane.refreshBounds();
+        if (!to.plane.canvas && !size.isEmpty() &&
+            (size.nx != to.plane.canvasBounds.nx || size.ny != to.plane.canvasBounds.ny))
+            to.plane.makeOwn(size.nx, size.ny);
+        to.view = from.view;
+        to.view.changed = true;
+        to.isCurrent = from.isCurrent;
+        to.selection.mode = from.selection.mode;
+        from.plane.canvas = nullptr;
+        from.plane.image.reset();
+        from.plane.ops.reset();
+        from.isCurrent = false;
+        stack::stopSelectionTimer(from);
+        stack::startSelectionTimer(to);
+        // What the copy shows may differ in every pixel.
+        stack::staleBoth(to);
+        to.caches.groups.clear();
+        to.damage.generation = from.damage.generation + 1;
+        stack.invalidateRect(stack.canvasBounds());
+        stack.rebuildPaintMask();
+    }
+    slot = Ref<LayerStack>(&stack);
+    hostLayerListChanged(true);
+    modal.leave();
+}
+
+bool FacadeState::locateShape(std::int32_t shapeId, ShapePlace& place) const {
+    for (std::size_t n = 0; n < canvases.slots.size(); ++n) {
+        LayerStack* const stack = canvases.slots[n].get();
+        if (!stack) continue;
+        static_cast<void>(eachLayer(stack->parts().list, [&](Layer& layer) {
+            ShapeLayer* const shapes = ShapeLayer::from(&layer);
+            Shape* const shape = shapes ? shapes->shapeById(shapeId) : nullptr;
+            if (!shape) return true;
+            place = {static_cast<std::int32_t>(n),
+                     stack->indexOf(&layer, true),
+                     shapes->placeOf(*shape),
+                     stack,
+                     shapes,
+                     shape};
+            return false;
+        }));
+        if (place.shape) return true;
+    }
+    return false;
+}
+
+void FacadeState::scheduleIdle() {
+    LayerStack* const stack = current();
+    if (stack) stack->parts().caches.whole.reset();
+    hostUiRefresh();
+    idle.cancel();
+    if (!stroke.open && !(stack && stack->inTransform())) idle.restart(IdleWork::afterEdit);
+}
+
+void FacadeState::scheduleIdleAfterStroke() {
+    if (idle.isPending()) idle.restart(IdleWork::afterStroke);
+}
+
+}  // namespace brushwork

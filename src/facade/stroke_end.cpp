@@ -1,0 +1,82 @@
+#include "facade/stroke_end.h"
+
+#include <utility>
+
+#include "facade/color_jitter.h"
+#include "facade/undo_filing.h"
+
+namespace brushwork {
+namespace {
+
+// The selection counts anew when it was painted on; so does what masks leave free.
+void pixelsChanged(LiveStroke& stroke) {
+    StackParts& parts = stroke.stack->parts();
+    stroke.layer->touch();
+    stroke.stack->noteChange(stroke.layer.get());
+    stack::staleSide(parts, *stroke.layer);
+    if (stroke.layer == stroke.stack->selectionLayer())
+        stack::selectionChanged(parts);
+    else if (stroke.layer->role() != LayerRole::Paint)
+        stroke.layer->markClipDirty(true);
+    if (!stroke.bounds.isEmpty()) stroke.stack->accumulateDirty(stroke.bounds, *stroke.layer);
+}
+
+void finish(FacadeState& state) {
+    LiveStroke& stroke = state.stroke;
+    stroke.layer->clearWet();
+    restoreColor(state.brush);
+    pixelsChanged(stroke);
+    if (state.brush.displayUpdates) stroke.stack->present();
+    stroke.stack->setPaintOnStencil(false);
+    stroke.open = false;
+    stroke.low.reset();
+    stroke.before.reset();
+    stroke.gray = GrayStroke();
+    stroke.renderer.reset();
+    // The renderer holds on to no pages of the layer.
+    stroke.stamps->setTargets(nullptr, nullptr);
+    stroke.stamps->setSource(nullptr, nullptr, false, 0, 0);
+    stroke.layer.reset();
+    stroke.stack.reset();
+    if (state.brush.strokeEndHook) state.brush.strokeEndHook();
+    state.scheduleIdle();
+    state.scheduleIdleAfterStroke();
+}
+
+}  // namespace
+
+void endStroke(FacadeState& state) {
+    LiveStroke& stroke = state.stroke;
+    if (!stroke.open) return;
+    stroke.renderer->endStroke();
+    // A commit blends the whole wet image, which may reach further than the stamps did.
+    if (ilSmartImage* const wet = ilSmartImage::from(stroke.layer->wet().image.get())) {
+        ilTile box;
+        wet->bounds(box);
+        stroke.bounds = unionOf(stroke.bounds, box);
+    }
+    if (stroke.wet)
+        stroke.layer->commitWet(stroke.onStencil ? stroke.layer->stencilImage() : nullptr);
+    fileRecord(std::exchange(stroke.record, Ref<PntUndoStroke>()).get());
+    finish(state);
+}
+
+void cancelStroke(FacadeState& state) {
+    LiveStroke& stroke = state.stroke;
+    if (!stroke.open) return;
+    stroke.renderer->endStroke();
+    stroke.layer->clearWet();
+    if (stroke.record) {
+        bool deferred = false;
+        stroke.record->undo(&deferred);
+        stroke.record.reset();
+    } else if (stroke.before && !stroke.bounds.isEmpty()) {
+        ilSmartImage* const image =
+            stroke.onStencil ? stroke.layer->smartStencil() : stroke.layer->smartColor();
+        image->copyRegion(stroke.bounds, *stroke.before, stroke.bounds.x, stroke.bounds.y, 0,
+                          nullptr, CopyDirection::FromOther);
+    }
+    finish(state);
+}
+
+}  // namespace brushwork

@@ -1,0 +1,28 @@
+#include "undo/canvas_redraw.h"
+
+#include "document/layer/document_switches.h"
+
+namespace brushwork {
+
+void redrawStack(LayerStack& stack) {
+    if (documentSwitches().compositeCacheEnabled)
+        stack.refreshDisplay(true);
+    else
+        stack.invalidateRect(stack.canvasBounds());
+}
+
+void redrawCanvas(UndoCanvases& canvases, std::int32_t canvas) {
+    const std::int32_t before = canvases.currentIndex();
+    canvases.makeCurrent(canvas);
+    if (LayerStack* const stack = canvases.stackAt(canvas)) redrawStack(*stack);
+    canvases.makeCurrent(before);
+}
+
+void redrawOrDefer(UndoCanvases& canvases, std::int32_t canvas, bool* deferRedraw) {
+    if (deferRedraw)
+        *deferRedraw = true;
+    else
+        redrawCanvas(canvases, canvas);
+}
+
+}  // namespace brushwork

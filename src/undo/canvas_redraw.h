@@ -1,0 +1,15 @@
+// Redrawing a canvas after undo or redo, or leaving that to who runs several records.
+#pragma once
+
+#include "undo/undo_canvases.h"
+
+namespace brushwork {
+
+// The canvas is made current, drawn whole, and the one before is current again.
+void redrawCanvas(UndoCanvases& canvases, std::int32_t canvas);
+// The stack itself, with both caches.
+void redrawStack(LayerStack& stack);
+// Sets the flag; without one redraws.
+void redrawOrDefer(UndoCanvases& canvases, std::int32_t canvas, bool* deferRedraw);
+
+}  // namespace brushwork

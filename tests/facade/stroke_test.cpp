@@ -1,0 +1,195 @@
+#include <gtest/gtest.h>
+
+#include <limits>
+
+#include "facade/document_state.h"
+#include "facade/session_host.h"
+
+namespace brushwork::test {
+namespace {
+
+class StrokeFacade : public testing::Test {
+  protected:
+    StrokeFacade() {
+        host_.manager = &manager_;
+        manager_.newCanvas(200, 150);
+        layer_ = manager_.newLayer();
+        manager_.setBrush(brush(), StrokeParameters());
+        manager_.clearUndo();
+    }
+    static BrushParameters brush() {
+        BrushParameters brush = BrushParameters::defaults();
+        brush.radiusLow = 2.0f;
+        brush.radiusHigh = 10.0f;
+        brush.opacityLow = brush.opacityHigh = 1.0f;
+        return brush;
+    }
+    std::uint32_t pixel(std::int32_t x, std::int32_t y) {
+        std::uint32_t value = 0;
+        manager_.layerPixel(layer_, x, y, &value);
+        return value;
+    }
+    void drag(float x0, float y0, float x1, float y1, float pressure = 1.0f) {
+        for (int n = 0; n <= 8; ++n) {
+            const float t = static_cast<float>(n) / 8.0f;
+            manager_.addPoint({x0 + (x1 - x0) * t, y0 + (y1 - y0) * t, pressure});
+        }
+    }
+
+    SessionHost host_;
+    PaintManager manager_;
+    std::int32_t layer_ = -1;
+};
+
+TEST_F(StrokeFacade, PointsAndEndsOutsideAStrokeDoNothing) {
+    const DocumentState before = stateOf(manager_);
+    manager_.addPoint({50.0f, 50.0f, 1.0f});
+    manager_.endStroke();
+    manager_.cancelStroke();
+    EXPECT_EQ(differences(before, stateOf(manager_)), "");
+    EXPECT_EQ(host_.undo.count(), 0u);
+}
+
+TEST_F(StrokeFacade, ASecondBeginChangesNothing) {
+    ASSERT_TRUE(manager_.beginStroke());
+    drag(20, 20, 80, 20);
+    EXPECT_FALSE(manager_.beginStroke());
+    drag(80, 20, 80, 80);
+    manager_.endStroke();
+    EXPECT_EQ(host_.undo.count(), 1u);
+    EXPECT_NE(pixel(50, 20), 0u);
+    EXPECT_NE(pixel(80, 60), 0u);
+}
+
+TEST_F(StrokeFacade, NoPressureCountsAsAHundredth) {
+    const auto stroke = [&](float pressure) {
+        manager_.beginStroke();
+        drag(20, 20, 80, 60, pressure);
+        manager_.endStroke();
+        const std::string text = imageText(manager_.layerImage(layer_));
+        host_.records().back()->undo(nullptr);
+        host_.undo.drop(host_.records().back()->undoHandle());
+        return text;
+    };
+    const std::string least = stroke(0.01f);
+    EXPECT_EQ(stroke(0.0f), least);
+    EXPECT_EQ(stroke(-5.0f), least);
+    EXPECT_EQ(stroke(std::numeric_limits<float>::quiet_NaN()), least);
+    EXPECT_NE(stroke(0.5f), least);
+}
+
+TEST_F(StrokeFacade, ATapIsADotAndUndoTakesItBack) {
+    manager_.beginStroke();
+    manager_.addPoint({60.0f, 70.0f, 1.0f});
+    manager_.endStroke();
+    EXPECT_NE(pixel(60, 70), 0u);
+    ASSERT_EQ(host_.undo.count(), 1u);
+    host_.records()[0]->undo(nullptr);
+    EXPECT_EQ(pixel(60, 70), 0u);
+    host_.records()[0]->redo(nullptr);
+    EXPECT_NE(pixel(60, 70), 0u);
+}
+
+TEST_F(StrokeFacade, HiddenLockedGroupAndShapeLayersRefuse) {
+    manager_.setVisible(layer_, false);
+    EXPECT_FALSE(manager_.beginStroke());
+    manager_.setVisible(layer_, true);
+    manager_.newShapeLayer(-2, 0);
+    EXPECT_FALSE(manager_.beginStroke());
+    manager_.newGroup(u"G");
+    EXPECT_FALSE(manager_.beginStroke());
+    EXPECT_FALSE(manager_.inStroke());
+}
+
+// With and without a record, straight and through a wet image.
+TEST_F(StrokeFacade, CancelLeavesTheDocumentAsItWas) {
+    manager_.strokeLine(20, 20, 150, 120);
+    manager_.clearUndo();
+    for (const bool undo : {true, false})
+        for (const int blend : {0, 1})
+            for (const int kind : {0, 1, 2, 4, 6, 8, 9}) {
+                manager_.setUndoEnabled(undo);
+                manager_.setBrushBlend(blend);
+                StrokeParameters stroke;
+                stroke.brushKind = kind;
+                manager_.setBrush(brush(), stroke);
+                manager_.setColor({0.9f, 0.2f, 0.1f, 1.0f});
+                const DocumentState before = stateOf(manager_);
+                ASSERT_TRUE(manager_.beginStroke());
+                drag(30, 110, 160, 30);
+                manager_.cancelStroke();
+                EXPECT_EQ(differences(before, stateOf(manager_)), "")
+                    << "undo " << undo << " blend " << blend << " kind " << kind;
+                EXPECT_EQ(host_.undo.count(), 0u);
+                EXPECT_FALSE(manager_.inStroke());
+            }
+}
+
+TEST_F(StrokeFacade, TheSelectionRestrictsAndSoftEdgesScale) {
+    ImageRef mask = ImageRef::make(1);
+    mask.fill(flatTile(0, 0, 100, 150), 255);
+    mask.fill(flatTile(60, 0, 40, 150), 128);
+    manager_.selectMask(mask, 0.0f, 0.0f);
+    manager_.setColor({0.0f, 0.0f, 0.0f, 1.0f});
+    manager_.strokeLine(10, 75, 190, 75);
+    EXPECT_EQ(pixel(40, 75) >> 24, 255u);
+    EXPECT_NEAR(static_cast<double>(pixel(80, 75) >> 24), 128.0, 1.0);
+    EXPECT_EQ(pixel(130, 75), 0u);
+}
+
+TEST_F(StrokeFacade, TheEraserTakesAwayAndAMaskIsPaintedGray) {
+    manager_.fillLayer({1.0f, 0.0f, 0.0f, 1.0f});
+    StrokeParameters eraser;
+    eraser.brushKind = 8;
+    manager_.setBrush(brush(), eraser);
+    manager_.strokeLine(20, 75, 180, 75);
+    // Paint of 16 bits comes close to full coverage.
+    EXPECT_LE(pixel(100, 75) >> 24, 1u);
+    EXPECT_EQ(pixel(100, 20) >> 24, 255u);
+
+    manager_.setBrush(brush(), StrokeParameters());
+    layer_ = manager_.newMaskLayer();
+    manager_.strokeLine(20, 40, 180, 40);
+    EXPECT_EQ(pixel(100, 40), 255u);
+    EXPECT_EQ(pixel(100, 80), 0u);
+    manager_.setBrush(brush(), eraser);
+    manager_.strokeLine(60, 40, 180, 40);
+    EXPECT_LE(pixel(100, 40), 1u);
+    EXPECT_EQ(pixel(30, 40), 255u);
+    host_.records().back()->undo(nullptr);
+    EXPECT_EQ(pixel(100, 40), 255u);
+}
+
+TEST_F(StrokeFacade, HooksRunOnceAndJitterGivesTheColorBack) {
+    int begun = 0;
+    int ended = 0;
+    manager_.setStrokeHooks([&] { ++begun; }, [&] { ++ended; });
+    manager_.setColor({0.25f, 0.5f, 0.75f, 1.0f});
+    const auto before = manager_.color();
+    manager_.setColorJitter(true, 50.0f, 50.0f, 50.0f);
+    manager_.beginStroke();
+    EXPECT_NE(manager_.color(), before);
+    drag(20, 20, 60, 60);
+    manager_.endStroke();
+    manager_.beginStroke();
+    manager_.cancelStroke();
+    EXPECT_EQ(manager_.color(), before);
+    EXPECT_EQ(begun, 2);
+    EXPECT_EQ(ended, 2);
+}
+
+TEST_F(StrokeFacade, UndoOffMakesNoRecord) {
+    manager_.lockUndo(true);
+    manager_.strokeLine(10, 10, 90, 90);
+    manager_.lockUndo(false);
+    manager_.setUndoEnabled(false);
+    manager_.newLayer();
+    manager_.selectAll();
+    EXPECT_EQ(host_.undo.count(), 0u);
+    manager_.setUndoEnabled(true);
+    manager_.selectNone();
+    EXPECT_EQ(host_.undo.count(), 1u);
+}
+
+}  // namespace
+}  // namespace brushwork::test
