@@ -86,7 +86,8 @@ std::int32_t addTo(LayerStack& stack, ShapeKind kind, HostShape shape,
     }
     ShapeLayer* const layer = ShapeLayer::from(stack.activeLayer());
     if (!layer) return noLayer;
-    const Ref<Shape> made(new Shape(layer, shape, hostData, parms));
+    // The list makes it its own.
+    const Ref<Shape> made(new Shape(nullptr, shape, hostData, parms));
     made->parms().kind = kind;
     layer->addShape(*made, ShapeLayer::topShape);
     shapesChanged(stack, *layer);

@@ -7,7 +7,11 @@
 #include <vector>
 
 #include "platform/process_limits.h"
+#include "tools/command_brushes.h"
 #include "tools/command_image.h"
+#include "tools/command_info.h"
+#include "tools/command_paint.h"
+#include "tools/command_run.h"
 #include "tools/exit_codes.h"
 
 namespace {
@@ -39,8 +43,14 @@ int main(int argc, char** argv) {
             "Exit codes: 0 done, 1 failed, 2 usage, 3 bad input file, 4 input or output error,\n"
             "5 out of memory or over a limit.\n\n"
             "Examples:\n"
+            "  brushwork run scene.jsonl --out scene.png\n"
+            "  brushwork paint pen.dat --brush pastel --size 960x680 --out pen.png\n"
             "  brushwork image info photo.jpg\n"
             "  brushwork image convert photo.jpg photo.png");
+        addRunCommand(program, exitCode);
+        addPaintCommand(program, exitCode);
+        addBrushesCommand(program, exitCode);
+        addInfoCommand(program, exitCode);
         addImageCommand(program, exitCode);
         try {
             program.parse(literalArguments(argc, argv));

@@ -1,6 +1,7 @@
 #include "undo/canvas_redraw.h"
 
 #include "document/layer/document_switches.h"
+#include "document/layer/shape_layer.h"
 
 namespace brushwork {
 
@@ -16,6 +17,18 @@ void redrawCanvas(UndoCanvases& canvases, std::int32_t canvas) {
     canvases.makeCurrent(canvas);
     if (LayerStack* const stack = canvases.stackAt(canvas)) redrawStack(*stack);
     canvases.makeCurrent(before);
+}
+
+void shapesMoved(UndoCanvases& canvases, std::int32_t canvas, ShapeLayer& layer) {
+    layer.setShapesDirty();
+    layer.propagateChange(true);
+    layer.markClipDirty(true);
+    LayerStack* const stack = canvases.stackAt(canvas);
+    if (!stack || stack->layerById(layer.id()) != &layer) return;
+    stack->noteChange(&layer);
+    stack::staleSide(stack->parts(), layer);
+    if (layer.role() != LayerRole::Paint) stack->rebuildPaintMask();
+    stack->invalidateRect(stack->canvasBounds());
 }
 
 void redrawOrDefer(UndoCanvases& canvases, std::int32_t canvas, bool* deferRedraw) {

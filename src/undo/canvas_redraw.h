@@ -9,6 +9,8 @@ namespace brushwork {
 void redrawCanvas(UndoCanvases& canvases, std::int32_t canvas);
 // The stack itself, with both caches.
 void redrawStack(LayerStack& stack);
+// Shapes came into the layer or left it: it is drawn anew, and so is what it clips.
+void shapesMoved(UndoCanvases& canvases, std::int32_t canvas, ShapeLayer& layer);
 // Sets the flag; without one redraws.
 void redrawOrDefer(UndoCanvases& canvases, std::int32_t canvas, bool* deferRedraw);
 

@@ -26,7 +26,7 @@ void PntUndoShape::insert(bool* deferRedraw) {
     ShapeLayer* const shapes = ShapeLayer::from(layer());
     if (!shapes || !shape_) return;
     shapes->addShape(*shape_, shapeIndex_ - 1);
-    shapes->setShapesDirty();
+    shapesMoved(canvases(), canvasIndex(), *shapes);
     redrawOrDefer(canvases(), canvasIndex(), deferRedraw);
 }
 
@@ -34,7 +34,7 @@ void PntUndoShape::remove(bool* deferRedraw) {
     ShapeLayer* const shapes = ShapeLayer::from(layer());
     if (!shapes || !shape_) return;
     shapes->removeShape(*shape_);
-    shapes->setShapesDirty();
+    shapesMoved(canvases(), canvasIndex(), *shapes);
     redrawOrDefer(canvases(), canvasIndex(), deferRedraw);
 }
 

@@ -4,6 +4,7 @@
 
 #include "document/layer/shape_layer.h"
 #include "foundation/host/host_canvas.h"
+#include "undo/canvas_redraw.h"
 
 namespace brushwork {
 namespace {
@@ -54,7 +55,7 @@ void PntUndoShapeArrayDelete::applyEntries(bool restore) {
             layer->addShape(*entry->shape, entry->shapeIndex - 1);
         else
             layer->removeShape(*entry->shape);
-        layer->setShapesDirty();
+        shapesMoved(canvases(), entry->canvasIndex, *layer);
         const auto canvas = static_cast<std::size_t>(entry->canvasIndex);
         if (entry->canvasIndex >= 0 && canvas < marked.size()) marked[canvas] = true;
     }

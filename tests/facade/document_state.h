@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstdio>
+#include <cstring>
 #include <string>
 #include <vector>
 
@@ -15,7 +16,14 @@ using DocumentState = std::vector<std::string>;
 
 inline std::uint64_t hashOf(const void* bytes, std::size_t count, std::uint64_t hash) {
     const auto* const at = static_cast<const unsigned char*>(bytes);
-    for (std::size_t n = 0; n < count; ++n) hash = (hash ^ at[n]) * 1099511628211u;
+    std::size_t n = 0;
+    for (; n + 8 <= count; n += 8) {
+        std::uint64_t word = 0;
+        std::memcpy(&word, at + n, 8);
+        hash = (hash ^ word) * 1099511628211u;
+        hash ^= hash >> 29;
+    }
+    for (; n < count; ++n) hash = (hash ^ at[n]) * 1099511628211u;
     return hash;
 }
 
@@ -33,7 +41,7 @@ inline std::string imageText(const ImageRef& image) {
     if (!image) return "none";
     constexpr ilTile near{-600, -600, 0, 1800, 1800, 1};
     // Bounds of one channel say how far was painted, not what differs from the fill.
-    const ilTile box = image.channels() == 1 ? flatTile(-300, -300, 900, 900) : image.bounds();
+    const ilTile box = image.channels() == 1 ? flatTile(-128, -128, 512, 512) : image.bounds();
     const ilTile part = intersection(box, near);
     std::uint64_t hash = hashStart;
     if (!part.isEmpty()) {

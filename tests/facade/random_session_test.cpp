@@ -157,7 +157,7 @@ class StrictSession {
 
 TEST(RandomSession, EveryStateComesBack) {
     const std::uint32_t first = fromEnvironment("BRUSHWORK_SESSION_SEED", 1);
-    const std::uint32_t steps = fromEnvironment("BRUSHWORK_SESSION_STEPS", 1500);
+    const std::uint32_t steps = fromEnvironment("BRUSHWORK_SESSION_STEPS", 900);
     constexpr std::uint32_t perSession = 150;
     std::uint32_t edits = 0;
     for (std::uint32_t n = 0; n * perSession < steps && !HasFailure(); ++n) {

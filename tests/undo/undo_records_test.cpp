@@ -253,8 +253,7 @@ TEST_F(StrokeRecords, AStackRecordMovesStrokesAside) {
 // Objects, not pixels.
 TEST_F(StrokeRecords, ARecordTakesNoPages) {
     const std::uint32_t someRed = 0xff000080;
-    layer().smartColor()->fillRegion(flatTile(0, 0, 16384, 16384),
-                                     ilPixel(TypeUChar, 4, &someRed));
+    layer().smartColor()->fillRegion(flatTile(0, 0, 16384, 16384), ilPixel(TypeUChar, 4, &someRed));
     const auto made = record();
     EXPECT_EQ(made->newColor()->pages().heldPages(), 0u);
     EXPECT_EQ(made->objectSize(), sizeof(PntUndoStroke) + sizeof(LayerStack) + sizeof(Layer));

@@ -1,0 +1,132 @@
+#include "tools/journal_reader.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace brushwork::tools {
+namespace {
+
+// Deeper than any operation needs, and harmless to whoever walks it.
+constexpr int mostDepth = 16;
+
+struct LineReader {
+    const OpBook& book;
+    Journal& journal;
+    std::vector<JournalFault>& faults;
+    KnownNames names;
+    std::int32_t line = 0;
+    std::string_view text;
+    bool begun = false;
+
+    void refuse(std::size_t byte, std::string cause) {
+        faults.push_back({line, columnOf(text, byte), std::move(cause)});
+    }
+    void refuse(const FieldFault& fault) { refuse(jsonPlace(text, fault.path), fault.cause); }
+
+    bool parse(Json& value);
+    void takeHeader(const Json& value);
+    void takeOperation(Json value);
+    void learnNames(const OpRules& rules, const Json& value);
+    void take(std::string_view content);
+};
+
+// Words of the parser's own without its numbering.
+std::string plainCause(const std::string& what) {
+    const auto start = what.find(": ");
+    return "not JSON: " + (start == std::string::npos ? what : what.substr(start + 2));
+}
+
+bool LineReader::parse(Json& value) {
+    bool tooDeep = false;
+    const auto watch = [&](int depth, Json::parse_event_t, Json&) {
+        tooDeep = tooDeep || depth > mostDepth;
+        return !tooDeep;
+    };
+    try {
+        value = Json::parse(text, watch);
+    } catch (const Json::parse_error& error) {
+        refuse(error.byte > 0 ? error.byte - 1 : 0, plainCause(error.what()));
+        return false;
+    } catch (const Json::exception& error) {
+        refuse(0, plainCause(error.what()));
+        return false;
+    }
+    if (tooDeep) {
+        refuse(0, "values are nested more than " + std::to_string(mostDepth) + " deep");
+        return false;
+    }
+    if (const auto repeated = repeatedName(text)) {
+        refuse(*repeated, "this field is given twice");
+        return false;
+    }
+    return true;
+}
+
+void LineReader::takeHeader(const Json& value) {
+    const std::vector<FieldRule> rules{
+        needed(tools::text("journal")), needed(integer("version", 1, 1000000)),
+        number("seed", 0.0, 9007199254740992.0), tools::text("note")};
+    if (!value.is_object() || !value.contains("journal"))
+        return refuse(0, "a journal begins with {\"journal\": \"brushwork\", \"version\": 1}");
+    if (const auto fault = checkFields(value, rules, names)) return refuse(*fault);
+    if (value["journal"] != "brushwork") return refuse({{"journal"}, "\"brushwork\" is wanted"});
+    if (value["version"] != journalVersion)
+        return refuse(
+            {{"version"},
+             "only version " + std::to_string(journalVersion) + " is known to this program"});
+    if (!value.contains("seed")) return;
+    if (!value["seed"].is_number_unsigned()) return refuse({{"seed"}, "a whole number is wanted"});
+    journal.seed = value["seed"].get<std::uint64_t>();
+}
+
+void LineReader::takeOperation(Json value) {
+    if (!value.is_object() || !value.contains("op") || !value["op"].is_string())
+        return refuse(0, "an operation is wanted: {\"op\": \"...\", ...}");
+    const auto& name = value["op"].get_ref<const std::string&>();
+    const OpRules* const rules = book.find(name);
+    if (!rules)
+        return refuse(
+            {{"op"}, "there is no operation \"" + name + "\"" + perhapsMeant(name, book.names)});
+    std::vector<FieldRule> rulesOfLine = rules->fields;
+    rulesOfLine.push_back(tools::text("note"));
+    rulesOfLine.push_back(flag("fails"));
+    if (const auto fault = checkFields(value, rulesOfLine, names, {"op"})) return refuse(*fault);
+    learnNames(*rules, value);
+    journal.operations.emplace_back(*rules, std::move(value), line);
+}
+
+void LineReader::learnNames(const OpRules& rules, const Json& value) {
+    if (value.value("fails", false)) return;
+    for (const FieldRule& rule : rules.fields)
+        if (rule.kind == FieldKind::NewName && value.contains(rule.name))
+            names[rule.nameOf].insert(value[rule.name].get<std::string>());
+}
+
+void LineReader::take(std::string_view content) {
+    ++line;
+    text = content;
+    if (text.find_first_not_of(" \t\r") == std::string_view::npos) return;
+    Json value;
+    const bool isHeader = !std::exchange(begun, true);
+    if (!parse(value)) return;
+    if (isHeader)
+        takeHeader(value);
+    else
+        takeOperation(std::move(value));
+}
+
+}  // namespace
+
+std::vector<JournalFault> readJournal(std::string_view text, const OpBook& book, Journal& journal) {
+    std::vector<JournalFault> faults;
+    LineReader reader{book, journal, faults, {}, 0, {}, false};
+    while (!text.empty() && faults.size() < mostFaults) {
+        const auto end = std::min(text.find('\n'), text.size());
+        reader.take(text.substr(0, end));
+        text.remove_prefix(std::min(end + 1, text.size()));
+    }
+    if (!reader.begun) faults.push_back({0, 0, "holds no journal"});
+    return faults;
+}
+
+}  // namespace brushwork::tools
