@@ -49,13 +49,10 @@ void endStroke(FacadeState& state) {
     LiveStroke& stroke = state.stroke;
     if (!stroke.open) return;
     stroke.renderer->endStroke();
-    // A commit blends the whole wet image, which may reach further than the stamps did.
-    if (ilSmartImage* const wet = ilSmartImage::from(stroke.layer->wet().image.get())) {
-        ilTile box;
-        wet->bounds(box);
-        stroke.bounds = unionOf(stroke.bounds, box);
-    }
-    if (stroke.wet)
+    // A wet image over the canvas shows all of it; only what the stroke touched is committed.
+    if (ilSmartImage* const wet = ilSmartImage::from(stroke.layer->wet().image.get()))
+        wet->setBounds(stroke.bounds, true);
+    if (stroke.wet && !stroke.bounds.isEmpty())
         stroke.layer->commitWet(stroke.onStencil ? stroke.layer->stencilImage() : nullptr);
     fileRecord(std::exchange(stroke.record, Ref<PntUndoStroke>()).get());
     finish(state);

@@ -1,8 +1,12 @@
 #include "undo/pnt_undo_layer_stack.h"
 
+#include <algorithm>
+
+#include "brushwork/pnt_undo_database.h"
 #include "document/layer/document_switches.h"
 #include "foundation/host/host_canvas.h"
 #include "undo/canvas_redraw.h"
+#include "undo/pnt_undo_combo.h"
 
 namespace brushwork {
 namespace {
@@ -11,6 +15,14 @@ void collapseImages(LayerStack* stack) {
     if (!stack) return;
     for (Layer* layer = stack->parts().list.first.get(); layer; layer = layer->next.get())
         layer->collapseImages();
+}
+
+bool isAbout(const PntUndoOper* record, const LayerStack* stack) {
+    if (const auto* const combo = dynamic_cast<const PntUndoCombo*>(record))
+        return std::any_of(combo->children().begin(), combo->children().end(),
+                           [&](const auto& child) { return isAbout(child.get(), stack); });
+    const auto* const one = dynamic_cast<const PntUndoLS*>(record);
+    return one && one->stack() == stack;
 }
 
 }  // namespace
@@ -69,10 +81,16 @@ void PntUndoLayerStack::redo(bool* deferRedraw) {
     undone_ = false;
 }
 
-void PntUndoLayerStack::archive(PntUndoDatabase&) {
+// Records made since on the saved stack undo by the chains of its images.
+void PntUndoLayerStack::archive(PntUndoDatabase& database) {
     if (undone_) return;
     collapseImages(stack());
-    collapseImages(savedStack_.get());
+    const bool needed =
+        !database.isClearing() &&
+        std::any_of(database.records().begin(), database.records().end(), [&](const auto& record) {
+            return record != this && isAbout(record.get(), savedStack_.get());
+        });
+    if (!needed) collapseImages(savedStack_.get());
 }
 
 }  // namespace brushwork

@@ -67,6 +67,9 @@ class AnimationHost {
             return current_->paint.hasCanvas(canvas);
         };
         setUndoDatabase(&undo);
+        BrushParameters brush = BrushParameters::defaults();
+        brush.radiusLow = brush.radiusHigh = 5.0f;
+        paint.setBrush(brush, StrokeParameters());
     }
     AnimationHost(const AnimationHost&) = delete;
     AnimationHost& operator=(const AnimationHost&) = delete;

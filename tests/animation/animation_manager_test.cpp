@@ -370,7 +370,9 @@ TEST(AnimationManager, DuplicatesSharePagesUntilOneIsPainted) {
     EXPECT_EQ((std::set<const SmartPage*>(own.begin(), own.end()).size()), 16u);
 
     host.paint.setColor({1.0f, 0.0f, 0.0f, 1.0f});
+    const std::uint64_t unpainted = host.digest(last);
     host.paint.strokeLine(200.0f, 200.0f, 210.0f, 205.0f);
+    EXPECT_NE(host.digest(last), unpainted);
     const std::vector<const SmartPage*> painted = pagesOf(host, last);
     EXPECT_EQ(pagesOf(host, base), own);
     int differing = 0;
@@ -460,7 +462,9 @@ TEST(AnimationManager, LiveEditsBelongToTheFrameTheyWereMadeOn) {
     host.paint.beginStroke();
     host.paint.addPoint({10.0f, 10.0f, 1.0f});
     host.paint.addPoint({30.0f, 20.0f, 1.0f});
+    const std::int32_t copy = host.paint.currentCanvas();
     host.newest()->undo(nullptr);
+    EXPECT_NE(host.digest(copy), after) << "the stroke is on the copy";
     EXPECT_FALSE(host.paint.inStroke());
     EXPECT_EQ(host.digest(base), after);
     EXPECT_EQ(host.paint.currentCanvas(), base);

@@ -99,7 +99,7 @@ class Session {
         const std::int32_t painted = host_.paint.currentCanvas();
         const bool changed = (this->*operation)();
         host_.paint.endStroke();
-        if (live && now_.pictures.contains(painted)) now_.pictures[painted] = picture(painted);
+        if (live) takePicture(painted);
         done[name] += changed;
         EXPECT_EQ(host_.undo.count() - records, (changed ? 1u : 0u) + (live ? 1u : 0u)) << name;
         level.ofTimeline = changed && name != "modify";
@@ -113,6 +113,13 @@ class Session {
             host_.paint.addPoint(
                 {static_cast<float>(below(72)), static_cast<float>(below(48)), 1.0f});
         return true;
+    }
+    void takePicture(std::int32_t painted) {
+        const auto known = now_.pictures.find(painted);
+        if (known == now_.pictures.end()) return;
+        const std::uint64_t now = picture(painted);
+        done["visible paint"] += now != known->second;
+        known->second = now;
     }
     void file(Level level, std::uint32_t records) {
         std::uint32_t place = 0;
@@ -150,6 +157,12 @@ class Session {
         if (based_) {
             canvas = host_.makeCanvas();
             given_.insert(canvas);
+            // Of the number's former canvas nothing is to be put back.
+            for (std::vector<Level>* levels : {&undo_, &redo_})
+                for (Level& level : *levels) {
+                    level.before.deleted.erase(canvas);
+                    level.after.deleted.erase(canvas);
+                }
             host_.paint.setCurrentCanvas(front);
         }
         const std::uint32_t number = 1 + below(20);
@@ -244,7 +257,7 @@ class Session {
         else if (beginStroke())
             host_.paint.endStroke();
         const std::int32_t painted = host_.paint.currentCanvas();
-        if (now_.pictures.contains(painted)) now_.pictures[painted] = picture(painted);
+        takePicture(painted);
         ++done["paint"];
         file(std::move(level), records);
     }
@@ -383,7 +396,7 @@ TEST(AnimationSession, FramesAreThoseOfAPlainModel) {
     }
     // A session that does nothing of a kind would show nothing.
     for (const char* name : {"add", "add given", "delete", "duplicate", "reorder", "switch",
-                             "modify", "paint", "undo", "redo", "unrecorded"})
+                             "modify", "paint", "undo", "redo", "unrecorded", "visible paint"})
         EXPECT_GT(done[name], 10) << name;
 }
 

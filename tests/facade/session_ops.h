@@ -547,7 +547,7 @@ inline const std::vector<SessionOps::Op>& SessionOps::all() {
              std::uint32_t pixel = 0;
              s.m.viewToLayer(&x, &y, s.layer());
              s.m.layerToView(&x, &y, s.layer());
-             s.m.layerBounds(s.layer(), box);
+             static_cast<void>(s.m.layerBounds(s.layer(), box));
              s.m.selectionBounds(box);
              static_cast<void>(s.m.thumbnail(s.layer()));
              static_cast<void>(s.m.pickLayer(s.coordinate(), s.coordinate(), s.number(0, 1)));
