@@ -224,7 +224,10 @@ TEST(CommandImage, EndedBySignalItEndsItsHelpersAndLeavesNothing) {
                                 "sleep 1; kill -TERM $!; wait $!";
     EXPECT_EQ(WEXITSTATUS(std::system(command.c_str())), 128 + 15);
     // The helpers have been told to end and take a moment to.
-    for (int i = 0; i < 100 && !folder.leftovers().empty(); ++i) std::system("sleep 0.02");
+    const auto isClean = [&folder] {
+        return folder.leftovers().empty() && std::filesystem::is_empty(folder.file("made"));
+    };
+    for (int i = 0; i < 400 && !isClean(); ++i) std::system("sleep 0.02");
     EXPECT_TRUE(folder.leftovers().empty());
     EXPECT_TRUE(std::filesystem::is_empty(folder.file("made")));
 }
