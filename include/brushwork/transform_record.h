@@ -4,12 +4,14 @@
 #include <array>
 #include <cstddef>
 
+#include "brushwork/export.h"
+
 namespace brushwork {
 
 // A point p goes to pivot + rotate(scale * (p - pivot)) + (x, y); then, if any corner is moved, the
 // placed box is bent so that its corners (0, 0), (width, 0), (width, height), (0, height) lie that
 // much further. A value: hosts hand it across as an array.
-struct TransformRecord {
+struct BRUSHWORK_API TransformRecord {
     float x = 0.0f, y = 0.0f;            // translation, pixels
     float scaleX = 1.0f, scaleY = 1.0f;  // negative mirrors
     float rotation = 0.0f;               // degrees, counter-clockwise with y up
