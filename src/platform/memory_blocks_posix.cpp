@@ -45,7 +45,11 @@ ResourceTable& resourceTable() {
     return table;
 }
 
+// No system has a block of more: such sizes are the wrap of a sum.
+constexpr std::uint64_t mostBytes = std::uint64_t{1} << 38;
+
 Bytes zeroedBytes(std::size_t size) {
+    if (std::uint64_t{size} > mostBytes) return nullptr;
     return Bytes(new (std::nothrow) std::uint8_t[size]());
 }
 
