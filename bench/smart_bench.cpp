@@ -5,13 +5,14 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <memory>
 #include <random>
 #include <vector>
 
 #include "bench_clock.h"
+#include "brushwork/ref.h"
 #include "image/cache/smart_image_cache.h"
 #include "image/memory/memory_manager.h"
+#include "image/smart/il_smart_image.h"
 #include "image/smart/page_accessor.h"
 #include "image/smart/page_realize.h"
 #include "image/smart/page_walk.h"
@@ -25,13 +26,6 @@ constexpr std::int32_t pagesAcross = 64;
 constexpr std::size_t pageCount = std::size_t{pagesAcross} * pagesAcross;  // 256 MiB
 constexpr std::int32_t side = pagesAcross * pageSide;
 constexpr std::size_t copies = 256;
-
-class NoParent : public PageSource {
-  public:
-    [[nodiscard]] bool hasParent() override { return false; }
-    [[nodiscard]] const ilTile& initialBounds() const override { return limitBox; }
-    [[nodiscard]] SmartPageRef parentPage(std::int32_t, std::int32_t) override { return {}; }
-};
 
 void require(bool holds) {
     if (holds) return;
@@ -102,16 +96,8 @@ void benchCopies(SmartPageTable& table) {
                 rounds.median(stepHot) / rounds.median(plainHot));
 }
 
-// One pixel the way getPixel takes it.
-std::uint32_t pixelAt(SmartPageTable& table, std::int32_t x, std::int32_t y) {
-    SmartPageRef* const slot = table.pageRef(x & pageMask, y & pageMask, false);
-    const SmartPage& page = **slot;
-    if (!page.inMemory()) return page.solid;
-    const std::int32_t index = (y & ~pageMask) * pageSide + (x & ~pageMask);
-    return reinterpret_cast<const std::uint32_t*>(page.data)[index];
-}
-
-void benchLookUps(SmartPageTable& table) {
+void benchLookUps(ilSmartImage& image) {
+    SmartPageTable& table = image.pages();
     std::vector<std::int32_t> places(2 * 65536);
     std::mt19937 random(1);
     for (std::int32_t& place : places) place = static_cast<std::int32_t>(random() % side);
@@ -120,7 +106,7 @@ void benchLookUps(SmartPageTable& table) {
     const std::size_t run = rounds.add("", [&] {
         std::uint32_t sum = 0;
         for (std::int32_t y = 0; y < side; y += pageSide / 2)
-            for (std::int32_t x = 0; x < side; ++x) sum += pixelAt(table, x, y);
+            for (std::int32_t x = 0; x < side; ++x) sum += image.getPixel(x, y);
         sink = sum;
     });
     const std::size_t random1 = rounds.add("", [&] {
@@ -178,12 +164,11 @@ void benchWalks(SmartPageTable& table) {
 
 int main() {
     BworkMemory::instance().enable(true);
-    NoParent owner;
-    const auto table = std::make_unique<SmartPageTable>(owner, std::uint8_t{4});
-    fillTable(*table);
+    const Ref<ilSmartImage> image(new ilSmartImage(ilPixel(TypeUChar, 4)));
+    fillTable(image->pages());
     require(SmartImageCache::instance().counts().big == static_cast<int>(pageCount));
-    benchCopies(*table);
-    benchLookUps(*table);
-    benchWalks(*table);
+    benchCopies(image->pages());
+    benchLookUps(*image);
+    benchWalks(image->pages());
     return 0;
 }

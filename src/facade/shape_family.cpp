@@ -162,26 +162,35 @@ bool ShapeFamily::deleteShapes(std::span<const std::int32_t> shapes) {
         places.push_back(place);
         ids.push_back(id);
     }
-    if (places.empty() || state_.stroke.open) return false;
-    if (state_.undo.isActive())
-        fileRecord(Ref<PntUndoShapeArrayDelete>(
-                       new PntUndoShapeArrayDelete(state_, ids, "SidShapeArrayDelete"))
-                       .get());
-    for (const UndoCanvases::ShapePlace& place : places) {
-        const Ref<Shape> held(place.shape);
-        place.layer->removeShape(*held);
-        shapesChanged(*place.stack, *place.layer);
-    }
-    state_.scheduleIdle();
-    return true;
+    if (places.empty()) return false;
+    return guardedEdit(
+        state_, places.front().canvas,
+        [&](std::int32_t) {
+            const Ref<PntUndoShapeArrayDelete> record(
+                new PntUndoShapeArrayDelete(state_, ids, "SidShapeArrayDelete"));
+            fileRecord(record.get());
+        },
+        [&](LayerStack&) {
+            for (const UndoCanvases::ShapePlace& place : places) {
+                const Ref<Shape> held(place.shape);
+                place.layer->removeShape(*held);
+                shapesChanged(*place.stack, *place.layer);
+            }
+            return true;
+        });
 }
 
 bool ShapeFamily::moveShape(std::int32_t shape, float dx, float dy) {
     UndoCanvases::ShapePlace place;
     if (!isPlace(dx, dy) || !state_.locateShape(shape, place)) return false;
-    const double map[] = {1.0, 0.0, dx, 0.0, 1.0, dy};
-    for (const HostCurve curve : place.shape->curves()) hostMapCurve(curve, map);
-    return shapeChanged(shape);
+    // The host's curves move within the edit: one that is refused leaves them where they are.
+    return guardedEdit(state_, place.canvas, [&](LayerStack& stack) {
+        const double map[] = {1.0, 0.0, dx, 0.0, 1.0, dy};
+        for (const HostCurve curve : place.shape->curves()) hostMapCurve(curve, map);
+        place.shape->changed();
+        shapesChanged(stack, *place.layer);
+        return true;
+    });
 }
 
 bool ShapeFamily::shapeChanged(std::int32_t shape) {

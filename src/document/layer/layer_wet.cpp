@@ -35,6 +35,29 @@ npc::TileSet paintedParts(const WetBuffers& wet, const ilTile& box) {
     return parts;
 }
 
+// Whether the target shows the very page: what is the same needs no blending.
+bool isSharedWith(ilSmartImage* target, const SmartPageRef& page, std::int32_t x, std::int32_t y) {
+    SmartPageRef* const slot = target ? target->pages().findSlot(x, y) : nullptr;
+    return slot && slot->get() == page.get();
+}
+
+// For the whole of a stroke: the same by what the wet image holds, so that a stroke costs what it
+// touched, however far it went. A child of the target shows the target's own pixels elsewhere.
+npc::TileSet heldParts(const WetBuffers& wet, ilSmartImage& image, ilSmartImage* target,
+                       const ilTile& box) {
+    npc::TileSet parts;
+    const bool isChild = image.smartSource() != nullptr;
+    const ilTile inside = moved(box, -wet.x, -wet.y);
+    image.pages().eachPage([&](std::int32_t x, std::int32_t y, SmartPageRef& page) {
+        const ilTile part = intersection(flatTile(x, y, pageSide, pageSide), inside);
+        if (part.isEmpty()) return;
+        if (isChild ? isSharedWith(target, page, x, y) : page->isSolid() && page->solid == 0)
+            return;
+        parts.insert(moved(part, wet.x, wet.y));
+    });
+    return parts;
+}
+
 // The wet image through its texture, at the layer's places.
 Ref<ilImage> textured(const WetBuffers& wet, const npc::TileSet& parts) {
     const auto blender = npc::createBlender(BlendModeId::MaskMultiply);
@@ -62,6 +85,23 @@ class WetRun {
             parts_ = paintedParts(wet, area);
         else
             parts_.insert(area);
+    }
+
+    // All of the stroke.
+    WetRun(const WetBuffers& wet, ilImage& target)
+        : wet_(wet), blender_(npc::createBlender(wet.blend)) {
+        ilSmartImage* const image = ilSmartImage::from(wet.image.get());
+        ilSmartImage* const under = ilSmartImage::from(&target);
+        const ilTile area = wetBounds(wet);
+        if (!blender_ || area.isEmpty()) return;
+        const bool isOwnChild = image && under && image->smartSource() == under && wet.x == 0 &&
+                                wet.y == 0 && wet.blend == static_cast<int>(BlendModeId::Replace);
+        const bool isBlank = image && !image->source() && keepsUnderNothing(wet.blend) &&
+                             image->pages().solidValue() == 0;
+        if (isOwnChild || isBlank)
+            parts_ = heldParts(wet, *image, under, area);
+        else
+            parts_ = WetRun(wet, area).parts_;
     }
 
     [[nodiscard]] bool hasWork() const { return !parts_.empty(); }
@@ -134,7 +174,7 @@ void Layer::commitWet(ilImage* target) {
                             : wetIsOnStencil() ? images_.stencil.get()
                                                : colorImageRef());
     if (!into) return;
-    WetRun run(wet_, wetBounds(wet_));
+    WetRun run(wet_, *into);
     if (run.hasWork()) run.into(*into, blendFlags_ != 0);
     touch();
 }

@@ -1,28 +1,20 @@
 #include "document/stack/stack_draw.h"
 
 #include <algorithm>
-#include <cmath>
+#include <cstring>
 #include <vector>
 
 #include "blending/paint/soft_paint_ops.h"
 #include "document/layer/document_switches.h"
+#include "document/layer/layer_boxes.h"
 #include "document/stack/blend_run.h"
 #include "document/stack/stack_lookup.h"
+#include "document/stack/stack_raster.h"
 
 namespace brushwork::stack {
 namespace {
 
 constexpr std::uint32_t wantsBackground = 0x8000;
-
-std::uint32_t byteOf(float value) {
-    return static_cast<std::uint32_t>(std::lround(std::clamp(value, 0.0f, 1.0f) * 255.0f));
-}
-
-ilTile boundsOf(ilImage& image) {
-    ilTile box = image.box();
-    if (ilSmartImage* const smart = ilSmartImage::from(&image)) smart->bounds(box);
-    return box;
-}
 
 Ref<ilSmartImage> blankImage() {
     return Ref<ilSmartImage>(new ilSmartImage(ilPixel(TypeUChar, 4)));
@@ -161,7 +153,7 @@ bool drawLayer(StackParts& stack, Layer* layer, PaintOps& target, const LayerDra
             run.sourceX = -shiftX;
             run.sourceY = -shiftY;
             const bool all = !keepsUnderNothing(run.mode);
-            const ilTile area = all ? draw.box : intersection(boundsOf(*cache), draw.box);
+            const ilTile area = all ? draw.box : intersection(boundsOf(cache.get()), draw.box);
             drawn = blend(run, boxesOf(draw, area));
         }
     } else {
@@ -225,7 +217,7 @@ Ref<ilSmartImage> composeLayers(StackParts& stack, std::span<Layer* const> layer
             const Ref<ilImage> cache = group->renderGroup(request);
             if (!cache) continue;
             run.source = cache.get();
-            blend(run, boundsOf(*cache));
+            blend(run, boundsOf(cache.get()));
             continue;
         }
         layer.prepareForRender(nullptr, false);
@@ -314,9 +306,9 @@ Ref<ilSmartImage> composeToImage(StackParts& stack, std::int32_t id, std::int32_
 std::uint32_t backgroundPixel(const StackParts& stack) {
     const auto& color =
         stack.useGlobalBackground ? documentSwitches().globalBackground : stack.backgroundColor;
-    const float alpha = std::clamp(color[3], 0.0f, 1.0f);
-    return byteOf(color[0] * alpha) | byteOf(color[1] * alpha) << 8 |
-           byteOf(color[2] * alpha) << 16 | byteOf(alpha) << 24;
+    std::uint32_t word = 0;
+    std::memcpy(&word, pixelOf(color, 4).data(), sizeof word);
+    return word;
 }
 
 }  // namespace brushwork::stack

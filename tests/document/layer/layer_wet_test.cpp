@@ -2,6 +2,7 @@
 
 #include "blending/modes/blender_registry.h"
 #include "document/layer/layer_recipe.h"
+#include "image/cache/smart_image_cache.h"
 
 namespace brushwork::test {
 namespace {
@@ -80,6 +81,29 @@ TEST(LayerWet, MaskAndTextureLieWhereTheyWerePut) {
                                         {139, 42, false}})
         EXPECT_EQ(layer->smartColor()->getPixel(x, y) != 0, painted) << x << ", " << y;
     EXPECT_EQ(layer->wet().image.get(), wet.get());
+}
+
+// A medium that works on the canvas paints a child of it. What the stroke only looked at, or only
+// passed in its bounds, is neither copied nor walked.
+TEST(LayerWet, ACommitCostsWhatTheStrokeTouched) {
+    Dice dice(1);
+    const Ref<Layer> layer =
+        makeLayer(LayerRole::Paint, noise(4, flatTile(0, 0, 512, 512), dice), 0.0f, 0.0f);
+    const auto before = bytesOf(layer->colorImageRef());
+    const Ref<ilSmartImage> child(new ilSmartImage(layer->colorImageRef()));
+    child->setPixel(200, 200, 0xFF0000FF);
+    child->setPixel(-90000, 90000, 0xFF00FF00);
+    static_cast<void>(child->getPixel(400, 400));
+    layer->setWet(child.get(), 0, 0);
+    layer->setWetBlend(static_cast<std::int32_t>(BlendModeId::Replace));
+    const auto cloned = SmartImageCache::instance().counts().cloned;
+    const Ref<ilSmartImage> kept = layer->smartColor()->clone();
+    layer->commitWet();
+    EXPECT_EQ(SmartImageCache::instance().counts().cloned - cloned, 1U);  // that of (200, 200)
+    EXPECT_EQ(layer->smartColor()->getPixel(200, 200), 0xFF0000FFU);
+    EXPECT_EQ(layer->smartColor()->getPixel(-90000, 90000), 0xFF00FF00U);
+    EXPECT_EQ(layer->smartColor()->getPixel(400, 400), kept->getPixel(400, 400));
+    EXPECT_EQ(bytesOf(kept.get()), before);
 }
 
 TEST(LayerWet, WithoutPaintInTheBoxTheColourIsShownAsItIs) {
