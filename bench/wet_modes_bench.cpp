@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "bench_clock.h"
+#include "blending/modes/glow_brush_mode.h"
 #include "blending/modes/marker_colorless_mode.h"
 #include "blending/modes/marker_mode.h"
 #include "blending/modes/paint_modes.h"
@@ -36,6 +37,7 @@ std::vector<Mode> modes() {
     solid->setFlow(0.6F);
     list.push_back({"SolidColorPaint", std::move(solid), false});
     list.push_back({"Marker", std::make_unique<npc::MarkerBlender>(), false});
+    list.push_back({"GlowBrush", std::make_unique<npc::GlowBrushBlender>(), false});
     auto colorless = std::make_unique<npc::MarkerColorlessBlender>();
     colorless->setStrength(0.25F);
     list.push_back({"MarkerColorless", std::move(colorless), true});
