@@ -26,9 +26,11 @@ function(brushwork_layer name)
   endif()
   foreach(source IN LISTS sources)
     if(source MATCHES "_sse2\\.cpp$")
-      set_source_files_properties(${source} PROPERTIES COMPILE_OPTIONS "-msse2")
+      set_source_files_properties(${source} PROPERTIES COMPILE_OPTIONS "-msse2"
+                                  SKIP_PRECOMPILE_HEADERS ON)
     elseif(source MATCHES "_avx2\\.cpp$")
-      set_source_files_properties(${source} PROPERTIES COMPILE_OPTIONS "-mavx2")
+      set_source_files_properties(${source} PROPERTIES COMPILE_OPTIONS "-mavx2"
+                                  SKIP_PRECOMPILE_HEADERS ON)
     endif()
   endforeach()
 
@@ -36,6 +38,7 @@ function(brushwork_layer name)
   target_include_directories(brushwork_${name}_objects PUBLIC
     ${PROJECT_SOURCE_DIR}/src ${PROJECT_SOURCE_DIR}/include)
   target_link_libraries(brushwork_${name}_objects PRIVATE brushwork_options)
+  brushwork_precompile(brushwork_${name}_objects)
   if(BUILD_SHARED_LIBS)
     target_compile_definitions(brushwork_${name}_objects PRIVATE BRUSHWORK_BUILDING)
   else()
