@@ -88,6 +88,7 @@ bool BworkMemory::reset(const MemorySources& sources) {
     }
     discard();
     scopes_ = 0;
+    reserveHeld_ = false;
     sources_ = sources;
     return true;
 }
@@ -233,12 +234,16 @@ void BworkMemory::releaseSmall(void* page) {
 void BworkMemory::reserve(std::size_t bytes) {
     if (!isEnabled()) return;
     const Guard guard(imageLock());
-    if (++scopes_ == 1 && bytes != 0) state()->big.fillReserve(bytes);
+    ++scopes_;
+    if (bytes == 0 || reserveHeld_) return;
+    reserveHeld_ = true;
+    state()->big.fillReserve(bytes);
 }
 
 void BworkMemory::endReservation() {
     const Guard guard(imageLock());
     if (scopes_ == 0 || --scopes_ > 0) return;
+    reserveHeld_ = false;
     state()->big.dropEmptyReserve();
     state()->small.dropEmptyReserve();
 }

@@ -113,6 +113,7 @@ class BworkMemory : public BlockSource {
     std::atomic<bool> enabled_{false};
     std::atomic<std::int32_t> bypass_{0};
     std::uint32_t scopes_ = 0;
+    bool reserveHeld_ = false;  // by the outermost scope with bytes
 };
 
 }  // namespace brushwork

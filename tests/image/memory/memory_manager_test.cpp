@@ -204,6 +204,7 @@ TEST_F(MemoryManagerTest, DamagedPointersNeverReachTheRuntime) {
 TEST_F(MemoryManagerTest, AReservationIsHeldAndGivenBack) {
     BworkMemory memory(test::smallSources(100));
     memory.enable(true);
+    memory.reserve(0);         // asks for nothing
     memory.reserve(20 << 20);  // takes 10 + 5 + 2 unused and two new blocks of 2
     EXPECT_EQ(memory.megabytes(), 21u);
     memory.reserve(60 << 20);  // an inner scope adds nothing
@@ -218,7 +219,8 @@ TEST_F(MemoryManagerTest, AReservationIsHeldAndGivenBack) {
     for (std::size_t i = 1; i < pages.size(); ++i) memory.releaseBig(pages[i], true);
     memory.endReservation();
     void* const other = memory.allocateSmall(false);
-    EXPECT_EQ(memory.megabytes(), with + 2);  // the scope is still open
+    EXPECT_EQ(memory.megabytes(), with + 2);  // scopes are still open
+    memory.endReservation();
     memory.endReservation();
     void* const again = memory.allocate(5 << 20);  // an empty block of the former reserve
     EXPECT_EQ(memory.megabytes(), with + 2);
