@@ -1,6 +1,8 @@
 // Pages of smart images, one thread, with the memory manager on: the copy-on-write step beside a
 // memcpy of one page, look-ups and pixel reads through the remembered slot, look-ups all over a
-// table, and walks over resident pages.
+// table, and walks over resident pages. Counts the page faults of the step.
+#include <sys/resource.h>
+
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
@@ -11,6 +13,7 @@
 #include "bench_clock.h"
 #include "brushwork/ref.h"
 #include "image/cache/smart_image_cache.h"
+#include "image/memory/image_lock.h"
 #include "image/memory/memory_manager.h"
 #include "image/smart/il_smart_image.h"
 #include "image/smart/page_accessor.h"
@@ -78,6 +81,11 @@ struct Copies {
     std::vector<void*> targets;
 };
 
+long pageFaults() {
+    struct rusage usage {};
+    return getrusage(RUSAGE_SELF, &usage) == 0 ? usage.ru_minflt + usage.ru_majflt : -1;
+}
+
 void benchCopies(SmartPageTable& table) {
     Copies work(table);
     bench::Rounds rounds;
@@ -86,6 +94,9 @@ void benchCopies(SmartPageTable& table) {
     const std::size_t stepHot = rounds.add("", [&] { work.stepOneByOne(); });
     const std::size_t plainHot = rounds.add("", [&] { work.plainIntoOne(); });
     rounds.run(10, 200);
+    const long before = pageFaults();
+    for (int round = 0; round < 10; ++round) work.step();
+    const long faults = pageFaults() - before;
     std::puts("copy-on-write, pages of 65536 bytes");
     print("step, 256 clones held", rounds.median(step), copies);
     print("memcpy into 256 buffers", rounds.median(plain), copies);
@@ -94,6 +105,8 @@ void benchCopies(SmartPageTable& table) {
     std::printf("  step / memcpy %.2f held, %.2f dropped\n",
                 rounds.median(step) / rounds.median(plain),
                 rounds.median(stepHot) / rounds.median(plainHot));
+    std::printf("  page faults in %d steps of a warm manager: %ld\n", static_cast<int>(10 * copies),
+                faults);
 }
 
 void benchLookUps(ilSmartImage& image) {
@@ -109,6 +122,14 @@ void benchLookUps(ilSmartImage& image) {
             for (std::int32_t x = 0; x < side; ++x) sum += image.getPixel(x, y);
         sink = sum;
     });
+    const std::size_t unlocked = rounds.add("", [&] {
+        engageImageLock(false);
+        std::uint32_t sum = 0;
+        for (std::int32_t y = 0; y < side; y += pageSide / 2)
+            for (std::int32_t x = 0; x < side; ++x) sum += image.getPixel(x, y);
+        sink = sum;
+        engageImageLock(true);
+    });
     const std::size_t random1 = rounds.add("", [&] {
         std::uint32_t sum = 0;
         for (std::size_t i = 0; i < places.size(); i += 2)
@@ -121,7 +142,9 @@ void benchLookUps(ilSmartImage& image) {
     });
     rounds.run(10, 100);
     std::puts("look-ups");
-    print("getPixel along rows", rounds.median(run), double{side} * side / (pageSide / 2));
+    print("getPixel along rows, lock off", rounds.median(unlocked),
+          double{side} * side / (pageSide / 2));
+    print("getPixel along rows, lock on", rounds.median(run), double{side} * side / (pageSide / 2));
     print("pageRef at random places", rounds.median(random1), 65536);
     print("pageRef and realize of the same page", rounds.median(read), 65536);
 }

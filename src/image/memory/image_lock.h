@@ -7,6 +7,7 @@
 // of those takes no other lock, this one least of all.
 #pragma once
 
+#include <atomic>
 #include <mutex>
 
 namespace brushwork {
@@ -14,22 +15,34 @@ namespace brushwork {
 // Made on first use, never destroyed.
 [[nodiscard]] std::recursive_mutex& imageLock();
 
+namespace detail {
+inline std::atomic<bool> imageLockSwitch{false};
+}
+
 // Whether ImageLockScope locks. Off at first: without the memory manager smart images belong to
 // one thread. Changed only while no scope is open on another thread.
-void engageImageLock(bool on) noexcept;
-[[nodiscard]] bool imageLockEngaged() noexcept;
+inline void engageImageLock(bool on) noexcept {
+    detail::imageLockSwitch.store(on, std::memory_order_release);
+}
+[[nodiscard]] inline bool imageLockEngaged() noexcept {
+    return detail::imageLockSwitch.load(std::memory_order_acquire);
+}
 
-// Holds the lock for a scope, if it was engaged when the scope began.
+// Holds the lock for a scope, if it was engaged when the scope began. Reading one pixel opens such
+// a scope: while the lock is off it costs one load.
 class ImageLockScope {
   public:
-    ImageLockScope() : lock_(imageLock(), std::defer_lock) {
-        if (imageLockEngaged()) lock_.lock();
+    ImageLockScope() : lock_(imageLockEngaged() ? &imageLock() : nullptr) {
+        if (lock_) lock_->lock();
+    }
+    ~ImageLockScope() {
+        if (lock_) lock_->unlock();
     }
     ImageLockScope(const ImageLockScope&) = delete;
     ImageLockScope& operator=(const ImageLockScope&) = delete;
 
   private:
-    std::unique_lock<std::recursive_mutex> lock_;
+    std::recursive_mutex* lock_;
 };
 
 }  // namespace brushwork
