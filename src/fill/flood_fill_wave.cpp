@@ -30,4 +30,25 @@ void pushWave(FloodFillWaves& waves, std::unique_ptr<FloodFillWave> wave) {
     }
 }
 
+void pushWave(FloodFillWaves& waves, FloodFillWaves& spare, FloodFillWave start) {
+    if (spare.empty()) {
+        pushWave(waves, std::unique_ptr<FloodFillWave>(new (std::nothrow)
+                                                           FloodFillWave(std::move(start))));
+        return;
+    }
+    std::unique_ptr<FloodFillWave> wave = std::move(spare.back());
+    spare.pop_back();
+    *wave = std::move(start);
+    pushWave(waves, std::move(wave));
+}
+
+void dropWaves(FloodFillWaves& waves, FloodFillWaves& spare) {
+    constexpr std::size_t mostSpare = 64;
+    while (!waves.empty()) {
+        if (spare.size() < mostSpare && !waves.back()->leftWave && !waves.back()->rightWave)
+            pushWave(spare, std::move(waves.back()));
+        waves.pop_back();
+    }
+}
+
 }  // namespace brushwork

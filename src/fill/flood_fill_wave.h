@@ -46,5 +46,9 @@ using FloodFillWaves = std::vector<std::unique_ptr<FloodFillWave>>;
 
 // Puts a wave on the stack. Null does nothing; without memory the wave is lost.
 void pushWave(FloodFillWaves& waves, std::unique_ptr<FloodFillWave> wave);
+// The same with one of the `spare` waves, which have no side waves, if there is any.
+void pushWave(FloodFillWaves& waves, FloodFillWaves& spare, FloodFillWave start);
+// Empties the stack, and keeps some of what has no side waves for later.
+void dropWaves(FloodFillWaves& waves, FloodFillWaves& spare);
 
 }  // namespace brushwork

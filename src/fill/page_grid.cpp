@@ -10,7 +10,8 @@ PageGrid::PageGrid(const ilTile& box) {
     originX_ = inside.x & pageMask;
     originY_ = inside.y & pageMask;
     pagesAcross_ = (inside.endX() - originX_ + pageSide - 1) / pageSide;
-    pageCount_ = pagesAcross_ * ((inside.endY() - originY_ + pageSide - 1) / pageSide);
+    pagesUp_ = (inside.endY() - originY_ + pageSide - 1) / pageSide;
+    pageCount_ = pagesAcross_ * pagesUp_;
 }
 
 std::int32_t PageGrid::indexOf(std::int32_t x, std::int32_t y) const {
@@ -20,7 +21,7 @@ std::int32_t PageGrid::indexOf(std::int32_t x, std::int32_t y) const {
     const std::uint32_t row =
         (static_cast<std::uint32_t>(y) - static_cast<std::uint32_t>(originY_)) / pageSide;
     const auto across = static_cast<std::uint32_t>(pagesAcross_);
-    if (column >= across || row >= static_cast<std::uint32_t>(pageCount_) / across) return -1;
+    if (column >= across || row >= static_cast<std::uint32_t>(pagesUp_)) return -1;
     return static_cast<std::int32_t>(row * across + column);
 }
 

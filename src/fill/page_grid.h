@@ -30,7 +30,7 @@ class PageGrid {
 
   private:
     std::int32_t originX_ = 0, originY_ = 0;
-    std::int32_t pagesAcross_ = 0;
+    std::int32_t pagesAcross_ = 0, pagesUp_ = 0;
     std::int32_t pageCount_ = 0;
 };
 

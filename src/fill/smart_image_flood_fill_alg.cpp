@@ -61,17 +61,18 @@ class MaskLock {
 };
 
 // Runs of consecutive bits as waves; `firstX` and `firstY` are the place of bit 0.
-void pushRuns(FloodFillWaves& waves, BitRow bits, std::int32_t firstX, std::int32_t firstY,
-              std::int32_t dx, std::int32_t dy) {
+void pushRuns(FloodFillWaves& waves, FloodFillWaves& spare, BitRow bits, std::int32_t firstX,
+              std::int32_t firstY, std::int32_t dx, std::int32_t dy) {
+    if (!bits.any()) return;
     const bool alongX = dy != 0;
     // Elements go along (dy, -dx): a wave to the right or upward begins at the last bit of its run.
     const bool fromLast = dx > 0 || dy < 0;
     for (std::int32_t begin = bits.next(0); begin < pageSide;) {
         const std::int32_t end = (~bits).next(begin);
         const std::int32_t origin = fromLast ? end - 1 : begin;
-        pushWave(waves, std::unique_ptr<FloodFillWave>(new (std::nothrow) FloodFillWave(
-                            firstX + (alongX ? origin : 0), firstY + (alongX ? 0 : origin),
-                            end - begin, dx, dy)));
+        pushWave(waves, spare,
+                 FloodFillWave(firstX + (alongX ? origin : 0), firstY + (alongX ? 0 : origin),
+                               end - begin, dx, dy));
         begin = bits.next(end);
     }
 }
@@ -141,6 +142,8 @@ void SmartImageFloodFillAlg::forget() {
     pageMasks_.clear();
     states_.clear();
     waves_.clear();
+    spareWaves_.clear();
+    spareMask_.reset();
 }
 
 void SmartImageFloodFillAlg::startAtSeed() {
@@ -149,8 +152,7 @@ void SmartImageFloodFillAlg::startAtSeed() {
     const std::int32_t y = seedY_ - grid_.pageY(page);
     constexpr std::int32_t directions[4][2] = {{1, 0}, {-1, 0}, {0, 1}, {0, -1}};
     for (const auto& [dx, dy] : directions)
-        pushWave(waves_,
-                 std::unique_ptr<FloodFillWave>(new (std::nothrow) FloodFillWave(x, y, 1, dx, dy)));
+        pushWave(waves_, spareWaves_, FloodFillWave(x, y, 1, dx, dy));
     enterPage(page);
     if (method_ == Method::Rows || states_[static_cast<std::size_t>(page)].closed) return;
     const MaskLock lock(*mask_, flatTile(grid_.pageX(page), grid_.pageY(page), 1, 1));
@@ -160,7 +162,7 @@ void SmartImageFloodFillAlg::startAtSeed() {
 void SmartImageFloodFillAlg::enterPage(std::int32_t index) {
     MaskPage maskPage = maskPageOf(index);
     floodPage(maskPage, maskPage.tile.x, maskPage.tile.y, waves_);
-    waves_.clear();
+    dropWaves(waves_, spareWaves_);
     afterPage(index, maskPage.tile.x, maskPage.tile.y);
 }
 
@@ -181,13 +183,14 @@ SmartImageFloodFillAlg::MaskPage SmartImageFloodFillAlg::maskPageOf(std::int32_t
 void SmartImageFloodFillAlg::takeWaves(std::int32_t page, std::int32_t x, std::int32_t y) {
     static_cast<void>(x);
     static_cast<void>(y);
-    const std::unique_ptr<PageBorderBitMask> mask =
-        std::move(pageMasks_[static_cast<std::size_t>(page)]);
+    std::unique_ptr<PageBorderBitMask> mask = std::move(pageMasks_[static_cast<std::size_t>(page)]);
     if (!mask) return;
-    pushRuns(waves_, mask->left, -1, 0, 1, 0);
-    pushRuns(waves_, mask->right, pageSide, 0, -1, 0);
-    pushRuns(waves_, mask->above, 0, -1, 0, 1);
-    pushRuns(waves_, mask->below, 0, pageSide, 0, -1);
+    pushRuns(waves_, spareWaves_, mask->left, -1, 0, 1, 0);
+    pushRuns(waves_, spareWaves_, mask->right, pageSide, 0, -1, 0);
+    pushRuns(waves_, spareWaves_, mask->above, 0, -1, 0, 1);
+    pushRuns(waves_, spareWaves_, mask->below, 0, pageSide, 0, -1);
+    *mask = {};
+    spareMask_ = std::move(mask);
 }
 
 void SmartImageFloodFillAlg::floodPage(MaskPage& maskPage, std::int32_t x, std::int32_t y,
@@ -279,6 +282,7 @@ void SmartImageFloodFillAlg::handTo(std::int32_t x, std::int32_t y, BitRow PageB
     const std::int32_t page = bits.any() ? grid_.indexOf(x, y) : -1;
     if (page < 0 || states_[static_cast<std::size_t>(page)].closed) return;
     std::unique_ptr<PageBorderBitMask>& mask = pageMasks_[static_cast<std::size_t>(page)];
+    if (!mask) mask = std::move(spareMask_);
     if (!mask) mask.reset(new (std::nothrow) PageBorderBitMask);
     if (!mask) return;
     (*mask).*side |= bits;

@@ -124,6 +124,9 @@ class SmartImageFloodFillAlg {
     PageGrid grid_;
     std::vector<PageState> states_;
     Waves waves_;
+    // A flood enters pages ten thousand times: what the last entry used serves the next.
+    Waves spareWaves_;
+    std::unique_ptr<PageBorderBitMask> spareMask_;
     PageReach::Front front_;
 };
 
