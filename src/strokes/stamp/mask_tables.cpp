@@ -92,14 +92,15 @@ void StampMaskTable::build(float radius, float hardness) {
 const CoverageProfile& StampMaskTable::filtered() {
     if (filteredProfile_.entries) return filteredProfile_;
     buildFiltered();
-    filteredProfile_ = profileOf(filtered_.data(), filteredCount - 1, 0);
+    const auto entries = static_cast<std::int32_t>(filtered_.size() - slack);
+    filteredProfile_ = profileOf(filtered_.data(), entries - 1, 0);
     return filteredProfile_;
 }
 
 void StampMaskTable::buildFiltered() {
-    filtered_.fill(0);
+    const std::int32_t filled = rim_ + halfPixel;
+    filtered_.assign(static_cast<std::size_t>(std::max(filled + 1, filteredCount)) + slack, 0);
     const std::uint8_t* const table = entries_.data();
-    const std::int32_t filled = std::min(rim_ + halfPixel, filteredCount);
     if (rim_ > 16) {
         // A window one pixel wide, which takes one entry in and lets one out a step.
         const auto at = [table](std::int32_t n) { return std::int32_t{table[n < 0 ? -n - 1 : n]}; };
@@ -122,8 +123,7 @@ void StampMaskTable::buildFiltered() {
 
 const CoverageProfile& StampMaskTable::profileFor(float scaleX, float scaleY) {
     const float reach = std::max(std::fabs(radius_ * scaleY), std::fabs(radius_ * scaleX));
-    const bool small = reach < smallRadius && rim_ + halfPixel <= filteredCount;
-    return small ? filtered() : plain();
+    return reach < smallRadius ? filtered() : plain();
 }
 
 }  // namespace brushwork::npc

@@ -56,7 +56,7 @@ struct CoverageProfile {
 class StampMaskTable {
   public:
     static constexpr std::int32_t count = 11059;
-    static constexpr std::int32_t filteredCount = 144;
+    static constexpr std::int32_t filteredCount = 144;  // at least
 
     StampMaskTable();
     StampMaskTable(const StampMaskTable&) = delete;
@@ -66,13 +66,13 @@ class StampMaskTable {
     // of a quantised stamp, the hardness the solid share of it.
     void build(float radius, float hardness);
 
-    // For a stamp of these scales. One that is under 8 pixels both ways takes the averaged table,
-    // unless its profile, larger in brush space, would be cut off at that table's end.
+    // For a stamp of these scales. One that is under 8 pixels both ways takes the averaged table.
     [[nodiscard]] const CoverageProfile& profileFor(float scaleX, float scaleY);
 
     // Both hold until the next build().
     [[nodiscard]] const CoverageProfile& plain() const { return plain_; }
-    // Made on first use.
+    // Made on first use. It goes on until it is 0, however large the radius: a flat stamp of a
+    // large one would have what stands at the end all over its box.
     [[nodiscard]] const CoverageProfile& filtered();
 
   private:
@@ -80,7 +80,7 @@ class StampMaskTable {
 
     static constexpr std::size_t slack = 16;
     std::vector<std::uint8_t> entries_;  // not moved again
-    std::array<std::uint8_t, filteredCount + slack> filtered_{};
+    std::vector<std::uint8_t> filtered_;
     float radius_ = -1.0f, hardness_ = -1.0f;
     std::int32_t rim_ = 0;  // 16 * radius: the first entry that is 0 for good
     CoverageProfile plain_, filteredProfile_;
