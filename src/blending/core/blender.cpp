@@ -19,7 +19,14 @@ constexpr std::int64_t muchWork = 32768;
 constexpr std::int64_t someWork = 8192;
 // What a thread takes at a time: a sixteenth of a box, within bounds.
 constexpr std::int64_t sharesPerBox = 16;
-constexpr std::int64_t leastShare = 4096, largestShare = 32768;
+constexpr std::int64_t leastShare = 2048, largestShare = 32768;
+
+// No vector holds more pixels.
+constexpr std::int64_t vectorPixels = 8;
+
+bool lies(const WideBox& box, const WideBox& area) {
+    return box.x0 >= area.x0 && box.y0 >= area.y0 && box.x1 <= area.x1 && box.y1 <= area.y1;
+}
 
 WideBox wideBox(const ilTile& tile) {
     return {tile.x, tile.y, std::int64_t{tile.x} + tile.nx, std::int64_t{tile.y} + tile.ny};
@@ -31,12 +38,16 @@ WideBox wideBox(const ilTile& tile) {
 // however they end.
 class Blender::Session {
   public:
-    explicit Session(Blender& blender) : blender_(blender) { blender_.openWalk(); }
+    explicit Session(Blender& blender) : blender_(blender) {
+        blender_.held_ = {};
+        blender_.openWalk();
+    }
     Session(const Session&) = delete;
     Session& operator=(const Session&) = delete;
     ~Session() {
         endBatch();
         if (!blender_.holds_) blender_.closeWalk();
+        if (blender_.open_ && blender_.walk_.lockCount() != 0) keepPages();
     }
 
     [[nodiscard]] bool isOpen() const { return blender_.open_; }
@@ -59,6 +70,14 @@ class Blender::Session {
         blender_.records_.clear();
     }
 
+    // For the runs to come.
+    void keepPages() {
+        const WideBox pages = blender_.walk_.lastPages();
+        blender_.walk_.setPlainMask({}, 0, 0);  // each run has its own
+        if (!pages.isEmpty()) blender_.heldRecord_ = blender_.walk_.record(pages);
+        blender_.held_ = pages;
+    }
+
     Blender& blender_;
 };
 
@@ -76,6 +95,7 @@ void Blender::openWalk() {
 void Blender::closeWalk() {
     walk_.end();
     open_ = false;
+    held_ = {};
 }
 
 void Blender::releasePages() {
@@ -90,9 +110,14 @@ void Blender::reset() {
 }
 
 void Blender::run(const ilTile& rect) {
+    run(rect, rect);
+}
+
+void Blender::run(const ilTile& rect, const ilTile& room) {
     if (rect.isEmpty()) return;
     prepareRun();
     try {
+        if (runInHeldPages(rect, room)) return;
         Session session(*this);
         if (!session.isOpen()) return;
         WideBox batch;
@@ -102,6 +127,38 @@ void Blender::run(const ilTile& rect) {
         }
     } catch (const std::bad_alloc&) {
     }
+}
+
+// A row of small stamps stays in the same pages for long.
+bool Blender::runInHeldPages(const ilTile& rect, const ilTile& room) {
+    WideBox box = wideBox(rect);
+    if (!lies(box, held_)) return false;
+    const std::int64_t pixels = box.width() * box.height();
+    if (threaded_ && pixels > someWork) return false;
+    pixelCount_ += static_cast<std::uint64_t>(pixels);
+    const WideBox around = wideBox(room);
+    const std::int64_t width = (box.width() + vectorPixels - 1) & -vectorPixels;
+    const std::int64_t end = std::min({box.x0 + width, around.x1, held_.x1});
+    if (end - width >= std::max(around.x0, held_.x0)) {
+        box.x1 = end;
+        box.x0 = end - width;
+    }
+    WorkRecord& record = records_.emplace_back(heldRecord_);
+    record.width = static_cast<std::int32_t>(box.width());
+    record.height = static_cast<std::int32_t>(box.height());
+    const auto right = static_cast<std::ptrdiff_t>(box.x0 - held_.x0);
+    const auto up = static_cast<std::ptrdiff_t>(box.y0 - held_.y0);
+    for (WorkPlane& plane : record.planes)
+        if (plane.base) plane.base += up * plane.rowBytes() + right * plane.bytesPerPixel;
+    if (plainMask_.base) {
+        WorkPlane& mask = record.planes[InputMask];
+        mask = plainMask_;
+        mask.base += static_cast<std::ptrdiff_t>(box.y0 - plainMaskY_) * mask.rowBytes() +
+                     static_cast<std::ptrdiff_t>(box.x0 - plainMaskX_);
+    }
+    processRecord(0);
+    records_.clear();
+    return true;
 }
 
 void Blender::run(const TileSet& rects) {

@@ -48,6 +48,9 @@ class Blender {
     // had, stays untouched. (Smart and pattern images have none.) Nothing happens if an image's
     // pixels aren't interleaved bytes; short of memory, the rest of the box is left out.
     void run(const ilTile& rect);
+    // The same for a box that lies in `room`, where the mask is 0 outside of the box: pixels there
+    // may be written as they are, to fill whole vectors.
+    void run(const ilTile& rect, const ilTile& room);
     // Boxes that don't meet, as one run, the pages of 256 of them locked at a time.
     void run(const TileSet& rects);
 
@@ -72,7 +75,10 @@ class Blender {
     // Called once at the start of a run.
     virtual void prepareRun() {}
 
-    BlendSlots inputs_;
+    // A changed slot isn't what the held pages were locked for.
+    void forgetHeldPages() { held_ = {}; }
+
+    BlendSlots inputs_;    // who changes one forgets the held pages
     WorkPlane plainMask_;  // stands for a mask image where it has a base
     std::int32_t plainMaskX_ = 0, plainMaskY_ = 0;
     std::vector<float> parameters_;
@@ -82,6 +88,7 @@ class Blender {
   private:
     class Session;
 
+    [[nodiscard]] bool runInHeldPages(const ilTile& rect, const ilTile& room);
     void openWalk();
     void closeWalk();
     void take(const WorkRecord& record);
@@ -91,6 +98,8 @@ class Blender {
     TileWalk walk_;
     bool open_ = false;  // the walk: it has images to blend
     bool holds_ = false;
+    WideBox held_;           // in it no input changes page, and all pages are held; may be empty
+    WorkRecord heldRecord_;  // of its corner
     std::vector<WorkRecord> records_;
     std::uint64_t pixelCount_ = 0;
     std::int64_t share_ = 0;  // pixels that a thread takes at a time

@@ -15,22 +15,27 @@ namespace brushwork::npc {
 // The definition.
 template <class Formula>
 void blendByteRowPlain(const Formula& formula, const KernelRow& row) {
-    ByteRowWalk<PlainLanes, Formula>::run(formula, row);
+    ByteRowWalk<PlainLanes, Formula>::run(formula, KernelBlock{row, {}, 1});
 }
 
 template <class Formula>
-void blendByteRowSse2(const Formula& formula, const KernelRow& row);
+void blendByteBlockSse2(const Formula& formula, const KernelBlock& block);
 template <class Formula>
-void blendByteRowAvx2(const Formula& formula, const KernelRow& row);
+void blendByteBlockAvx2(const Formula& formula, const KernelBlock& block);
 
 // The widest form that the processor has.
 template <class Formula>
-void blendByteRow(const Formula& formula, const KernelRow& row) {
+void blendByteBlock(const Formula& formula, const KernelBlock& block) {
     switch (vectorLevel()) {
-        case VectorLevel::Avx2: return blendByteRowAvx2(formula, row);
-        case VectorLevel::Sse2: return blendByteRowSse2(formula, row);
-        case VectorLevel::Scalar: return blendByteRowPlain(formula, row);
+        case VectorLevel::Avx2: return blendByteBlockAvx2(formula, block);
+        case VectorLevel::Sse2: return blendByteBlockSse2(formula, block);
+        case VectorLevel::Scalar: return ByteRowWalk<PlainLanes, Formula>::run(formula, block);
     }
+}
+
+template <class Formula>
+void blendByteRow(const Formula& formula, const KernelRow& row) {
+    blendByteBlock(formula, KernelBlock{row, {}, 1});
 }
 
 }  // namespace brushwork::npc

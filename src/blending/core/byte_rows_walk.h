@@ -16,12 +16,17 @@ namespace brushwork::npc {
 template <class L, class Formula>
 class ByteRowWalk {
   public:
-    static void run(const Formula& formula, const KernelRow& row) {
+    static void run(const Formula& formula, const KernelBlock& block) {
         static_assert(hasPlain || hasMasked, "the formula's forms don't take what rows give them");
         noteKernelForm(L::level);
-        if constexpr (hasMasked)
-            if (row.mask != nullptr) return runMasked(formula, row);
-        if constexpr (hasPlain) runPlain(row);
+        KernelRow row = block.first;
+        for (std::int32_t rows = block.rows;;) {
+            runRow(formula, row);
+            if (--rows <= 0) break;
+            row.hi += block.steps.hi;
+            row.source += block.steps.source;
+            if (row.mask != nullptr) row.mask += block.steps.mask;
+        }
     }
 
   private:
@@ -37,6 +42,12 @@ class ByteRowWalk {
     using Words = typename L::Words;
     // A register of pixels fills this many of words.
     static constexpr int halves = L::pixels == 1 ? 1 : 2;
+
+    [[gnu::always_inline]] static inline void runRow(const Formula& formula, const KernelRow& row) {
+        if constexpr (hasMasked)
+            if (row.mask != nullptr) return runMasked(formula, row);
+        if constexpr (hasPlain) runPlain(row);
+    }
 
     [[gnu::flatten]] static void runPlain(const KernelRow& row) {
         const std::size_t sourceStep = 4 * row.sourceStride;

@@ -11,7 +11,8 @@
 //               once a row, then blend(target, source, mask) on words. Mask bytes, and source bytes
 //               of a formula that doesn't carry, stand in the upper half of each word.
 //
-// The kernel of a mode gathers its parameters in a formula and calls blendDualRow. The lane forms
+// The kernels of a mode gather its parameters in a formula and call blendDualRow for a row or
+// blendDualBlock for many. The lane forms
 // are made in modes/dual_forms_sse2.cpp and modes/dual_forms_avx2.cpp, from the list in
 // modes/dual_forms.h.
 #pragma once
@@ -68,18 +69,32 @@ void blendDualRowPlain(const Formula& formula, const KernelRow& row) {
 }
 
 template <class Formula>
-void blendDualRowSse2(const Formula& formula, const KernelRow& row);
+void blendDualBlockPlain(const Formula& formula, const KernelBlock& block) {
+    KernelRow row = block.first;
+    for (std::int32_t rows = block.rows; rows > 0; --rows) {
+        blendDualRowPlain(formula, row);
+        if (rows > 1) moveRow(row, block.steps);
+    }
+}
+
 template <class Formula>
-void blendDualRowAvx2(const Formula& formula, const KernelRow& row);
+void blendDualBlockSse2(const Formula& formula, const KernelBlock& block);
+template <class Formula>
+void blendDualBlockAvx2(const Formula& formula, const KernelBlock& block);
 
 // The widest form that the processor and the parameters allow.
 template <class Formula>
-void blendDualRow(const Formula& formula, const KernelRow& row) {
+void blendDualBlock(const Formula& formula, const KernelBlock& block) {
     switch (formula.fitsLanes() ? vectorLevel() : VectorLevel::Scalar) {
-        case VectorLevel::Avx2: return blendDualRowAvx2(formula, row);
-        case VectorLevel::Sse2: return blendDualRowSse2(formula, row);
-        case VectorLevel::Scalar: return blendDualRowPlain(formula, row);
+        case VectorLevel::Avx2: return blendDualBlockAvx2(formula, block);
+        case VectorLevel::Sse2: return blendDualBlockSse2(formula, block);
+        case VectorLevel::Scalar: return blendDualBlockPlain(formula, block);
     }
+}
+
+template <class Formula>
+void blendDualRow(const Formula& formula, const KernelRow& row) {
+    blendDualBlock(formula, KernelBlock{row, {}, 1});
 }
 
 }  // namespace brushwork::npc

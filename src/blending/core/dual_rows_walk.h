@@ -14,20 +14,26 @@ namespace brushwork::npc {
 template <class L, class Formula>
 class DualRowWalk {
   public:
-    // What the loop needs lies in variables whose address nobody has, and so stays in registers:
-    // a byte that is stored could otherwise be a part of it. The odd end has its own.
-    static void run(const Formula& formula, const KernelRow& row) {
+    // What the loops need lies in variables whose address nobody has, and so stays in registers:
+    // a byte that is stored could otherwise be a part of it. Odd ends have their own.
+    static void run(const Formula& formula, const KernelBlock& block) {
         noteKernelForm(L::level);
-        const std::size_t whole = row.count - row.count % L::pixels;
+        const std::size_t odd = block.first.count % L::pixels;
+        const std::size_t whole = block.first.count - odd;
         if (whole != 0) {
-            const Lanes lanes(formula);
-            const KernelRow steady = row;
-            for (std::size_t i = 0; i < whole; i += L::pixels)
-                step<false>(lanes, steady, i, L::pixels);
+            if (!Formula::carries && block.first.sourceStride == 0)
+                runWhole<true>(formula, block, whole);
+            else
+                runWhole<false>(formula, block, whole);
         }
-        if (whole != row.count) {
+        if (odd != 0) {
             const Lanes lanes(formula);
-            step<true>(lanes, row, whole, row.count - whole);
+            KernelRow row = block.first;
+            for (std::int32_t rows = block.rows;;) {
+                step<true>(lanes, row, whole, odd, sourceOf<true>(row, whole, odd));
+                if (--rows <= 0) break;
+                moveOn(row, block.steps);
+            }
         }
     }
 
@@ -37,6 +43,29 @@ class DualRowWalk {
     struct Pair {
         typename L::Words first, second;
     };
+
+    // A constant source is read once.
+    template <bool constant>
+    static void runWhole(const Formula& formula, const KernelBlock& block, std::size_t whole) {
+        const Lanes lanes(formula);
+        KernelRow row = block.first;
+        const Pair source = sourceOf<false>(row, 0, L::pixels);
+        for (std::int32_t rows = block.rows;;) {
+            for (std::size_t i = 0; i < whole; i += L::pixels)
+                step<false>(lanes, row, i, L::pixels,
+                            constant ? source : sourceOf<false>(row, i, L::pixels));
+            if (--rows <= 0) break;
+            moveOn(row, block.steps);
+        }
+    }
+
+    [[gnu::always_inline]] static inline void moveOn(KernelRow& row, const KernelBlock::Steps& by) {
+        row.hi += by.hi;
+        if constexpr (Formula::dual) row.lo += by.lo;
+        row.source += by.source;
+        if constexpr (Formula::carries) row.source2 += by.source2;
+        if (row.mask != nullptr) row.mask += by.mask;
+    }
 
     template <bool part>
     static Bytes load(const std::uint8_t* p, std::size_t count) {
@@ -89,23 +118,30 @@ class DualRowWalk {
     }
 
     template <bool part>
+    [[gnu::always_inline]] static inline Pair sourceOf(const KernelRow& row, std::size_t i,
+                                                       std::size_t count) {
+        const std::size_t at = 4 * i * row.sourceStride;
+        const std::uint8_t* const low = Formula::carries ? row.source2 + at : nullptr;
+        return joined<part, Formula::carries>(row.source + at, low, count);
+    }
+
+    template <bool part>
     [[gnu::always_inline]] static inline void step(const Lanes& lanes, const KernelRow& row,
-                                                   std::size_t i, std::size_t count) {
+                                                   std::size_t i, std::size_t count, Pair source) {
         const std::uint64_t bytes = maskOf<part>(row, i, count);
         if (Formula::rests && bytes == 0) return;
         const std::size_t at = 4 * i;
-        const std::size_t sourceAt = at * row.sourceStride;
         std::uint8_t* const lo = Formula::dual ? row.lo + at : nullptr;
-        std::uint8_t* const source2 = Formula::carries ? row.source2 + sourceAt : nullptr;
         Pair mask;
         L::spread(bytes, mask.first, mask.second);
         Pair target = joined<part, Formula::dual>(row.hi + at, lo, count);
-        Pair source = joined<part, Formula::carries>(row.source + sourceAt, source2, count);
         lanes.blend(target.first, source.first, mask.first);
         lanes.blend(target.second, source.second, mask.second);
         split<part, Formula::dual>(target, row.hi + at, lo, count);
-        if constexpr (Formula::carries)
-            split<part, true>(source, row.source + sourceAt, source2, count);
+        if constexpr (Formula::carries) {
+            const std::size_t sourceAt = at * row.sourceStride;
+            split<part, true>(source, row.source + sourceAt, row.source2 + sourceAt, count);
+        }
     }
 };
 

@@ -28,6 +28,12 @@ struct GenericBlender::Layout {
         if (vector) return masked ? table.rgbaMaskedVector : table.rgbaVector;
         return masked ? table.rgbaMasked : table.rgba;
     }
+
+    // Null where there is none.
+    [[nodiscard]] BlockKernel blockKernel(const KernelTable& table) const {
+        if (gray) return nullptr;
+        return twoPlanes ? table.dualPlaneMaskedBlock : table.rgbaMaskedBlock;
+    }
 };
 
 const KernelTable& kernelsOf(const GenericBlender& blender) {
@@ -56,6 +62,9 @@ void GenericBlender::reset() {
 void GenericBlender::bind(BlendInput index, ilImage* image, std::int32_t x, std::int32_t y,
                           bool writable) {
     Slot& bound = inputs_[index];
+    const bool asBefore = bound.x == x && bound.y == y && bound.writable == writable;
+    if (bound.image == image && (!image || asBefore)) return;
+    forgetHeldPages();
     bound.image = Ref<ilImage>(image);
     bound.x = x;
     bound.y = y;
@@ -125,6 +134,7 @@ void GenericBlender::setParameter(std::size_t index, float value) {
 }
 
 void GenericBlender::setConstantColor(std::uint32_t color) {
+    if (constantColor_[0] == color && constantGray_[0] == (color & 0xFF)) return;
     constantColor_.fill(color);
     constantGray_.fill(static_cast<std::uint8_t>(color & 0xFF));
 }
@@ -170,20 +180,21 @@ void GenericBlender::processRecord(std::int32_t index) {
     if (!layoutOf(work, layout) || (skipEmpty_ && isEmptyWork())) return;
 
     RowWalk walk;
-    walk.rows = work.height;
     walk.pixelBytes = layout.gray ? 1 : 4;
     walk.lockAlpha = lockAlpha_ && !layout.gray;
-    KernelRow& row = walk.first;
+    walk.block.rows = work.height;
+    KernelBlock::Steps& steps = walk.block.steps;
+    KernelRow& row = walk.block.first;
     row.count = static_cast<std::size_t>(work.width);
     const auto place = [&](BlendInput input, auto*& pointer, std::ptrdiff_t& step) {
         pointer = work.planes[input].base;
         step = work.planes[input].rowBytes();
     };
-    place(InputDestination, row.hi, walk.steps.hi);
-    place(InputSecondDestination, row.lo, walk.steps.lo);
-    place(InputSource, row.source, walk.steps.source);
-    place(InputSecondSource, row.source2, walk.steps.source2);
-    place(InputMask, row.mask, walk.steps.mask);
+    place(InputDestination, row.hi, steps.hi);
+    place(InputSecondDestination, row.lo, steps.lo);
+    place(InputSource, row.source, steps.source);
+    place(InputSecondSource, row.source2, steps.source2);
+    place(InputMask, row.mask, steps.mask);
 
     // Copies, since modes that carry paint along write to their source, and threads share this.
     alignas(32) auto color = constantColor_;
@@ -195,6 +206,7 @@ void GenericBlender::processRecord(std::int32_t index) {
     if (!row.mask && opacity16_ != 65535) row.mask = constantMask_.data();
 
     walk.kernel = layout.kernel(kernels_, row.mask != nullptr, useVectors_);
+    if (row.mask && useVectors_) walk.blockKernel = layout.blockKernel(kernels_);
     walkRows(*this, walk);
 }
 

@@ -24,8 +24,33 @@ struct KernelRow {
     std::size_t count = 0;               // pixels; of none nothing is written
 };
 
+// Rows of the same length, one above the other.
+struct KernelBlock {
+    // Bytes from one row to the next; 0 for what is constant.
+    struct Steps {
+        std::ptrdiff_t hi = 0, lo = 0, source = 0, source2 = 0, mask = 0;
+    };
+
+    KernelRow first;  // the lowest
+    Steps steps;
+    std::int32_t rows = 1;
+};
+
+// Places move by a count of bytes; those that are null stay.
+inline void moveRow(KernelRow& row, const KernelBlock::Steps& by) {
+    const auto move = [](auto*& place, std::ptrdiff_t bytes) {
+        if (place) place += bytes;
+    };
+    move(row.hi, by.hi);
+    move(row.lo, by.lo);
+    move(row.source, by.source);
+    move(row.source2, by.source2);
+    move(row.mask, by.mask);
+}
+
 // Reads opacities and the mode's own parameters from the blender, changes nothing in it.
 using Kernel = void (*)(const GenericBlender& blender, const KernelRow& row);
+using BlockKernel = void (*)(const GenericBlender& blender, const KernelBlock& block);
 
 // The kernels of a mode, in their order. The vector forms give the same bytes as the plain ones for
 // every count and alignment; they take a whole row, its odd end included.
@@ -42,6 +67,11 @@ struct KernelTable {
     Kernel grayMasked = nullptr;
     Kernel grayVector = nullptr;
     Kernel grayMaskedVector = nullptr;
+
+    // What the vector forms of these two do row by row, in one call for all rows: rows of small
+    // stamps are shorter than a call. Null: row by row.
+    BlockKernel rgbaMaskedBlock = nullptr;
+    BlockKernel dualPlaneMaskedBlock = nullptr;
 };
 
 // Where a mode has no kernel: gray and 4-channel ones do nothing, the dual-plane ones call the

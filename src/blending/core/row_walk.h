@@ -1,24 +1,16 @@
 // The walk over the rows of a rectangle, each a call of one kernel.
 #pragma once
 
-#include <array>
 #include <cstddef>
-#include <cstdint>
 
 #include "blending/core/kernel_table.h"
 
 namespace brushwork::npc {
 
 struct RowWalk {
-    // Bytes from one row to the next; 0 for what is constant.
-    struct Steps {
-        std::ptrdiff_t hi = 0, lo = 0, source = 0, source2 = 0, mask = 0;
-    };
-
     Kernel kernel = nullptr;
-    KernelRow first;  // the lowest row; its count is the width
-    Steps steps;
-    std::int32_t rows = 0;
+    BlockKernel blockKernel = nullptr;  // does the same to all rows; may be null
+    KernelBlock block;
     std::size_t pixelBytes = 4;  // of all but the mask
     bool lockAlpha = false;      // for pixels of 4 bytes
 };

@@ -1,6 +1,7 @@
 #include "blending/core/tile_walk.h"
 
 #include <algorithm>
+#include <cstdint>
 
 namespace brushwork::npc {
 
@@ -47,7 +48,21 @@ WideBox TileWalk::clipped(WideBox box) const {
 }
 
 void TileWalk::run(const WideBox& box, const Visitor& visit) {
+    run_ = box;
+    visited_ = {};
     if (!box.isEmpty()) walk(blendInputCount, box, visit);
+}
+
+WideBox TileWalk::lastPages() const {
+    if (run_.isEmpty() || !(visited_ == run_)) return {};
+    WideBox common = clipped({INT32_MIN, INT32_MIN, INT32_MAX, INT32_MAX});
+    for (std::size_t n = 0; n < blendInputCount; ++n) {
+        if (!inputs_[n].isBound()) continue;
+        const WideBox& area = current_[n].area;
+        common = {std::max(common.x0, area.x0), std::max(common.y0, area.y0),
+                  std::min(common.x1, area.x1), std::min(common.y1, area.y1)};
+    }
+    return common;
 }
 
 void TileWalk::unlock() {
@@ -59,7 +74,8 @@ void TileWalk::unlock() {
 void TileWalk::walk(std::size_t inputsLeft, const WideBox& box, const Visitor& visit) {
     while (inputsLeft > 0 && !inputs_[inputsLeft - 1].isBound()) --inputsLeft;
     if (inputsLeft == 0) {
-        report(box, visit);
+        visited_ = box;
+        visit(record(box));
         return;
     }
     const std::size_t index = inputsLeft - 1;
@@ -80,7 +96,7 @@ void TileWalk::walk(std::size_t inputsLeft, const WideBox& box, const Visitor& v
     }
 }
 
-void TileWalk::report(const WideBox& box, const Visitor& visit) const {
+WorkRecord TileWalk::record(const WideBox& box) const {
     WorkRecord record;
     record.width = static_cast<std::int32_t>(box.width());
     record.height = static_cast<std::int32_t>(box.height());
@@ -99,7 +115,7 @@ void TileWalk::report(const WideBox& box, const Visitor& visit) const {
         mask = plainMask_;
         mask.base += (box.y0 - maskY_) * mask.rowBytes() + (box.x0 - maskX_);
     }
-    visit(record);
+    return record;
 }
 
 }  // namespace brushwork::npc

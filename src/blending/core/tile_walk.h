@@ -42,14 +42,20 @@ class TileWalk {
     void run(const WideBox& box, const Visitor& visit);
     void unlock();
 
+    // If all of the last run's box was one rectangle: the largest box around it that lies in the
+    // same pages, in which record() answers without a walk as long as those stay locked. Else
+    // empty.
+    [[nodiscard]] WideBox lastPages() const;
+    [[nodiscard]] WorkRecord record(const WideBox& box) const;
+
   private:
     void walk(std::size_t inputsLeft, const WideBox& box, const Visitor& visit);
-    void report(const WideBox& box, const Visitor& visit) const;
 
     std::array<InputPages, blendInputCount> inputs_;
     WorkPlane plainMask_;  // no base: none
     std::int64_t maskX_ = 0, maskY_ = 0;
     std::array<PageView, blendInputCount> current_{};  // of the inputs that the walk has reached
+    WideBox run_, visited_;                            // the last ones
 };
 
 }  // namespace brushwork::npc

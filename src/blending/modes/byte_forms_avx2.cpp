@@ -9,8 +9,8 @@
 namespace brushwork::npc {
 
 template <class Formula>
-void blendByteRowAvx2(const Formula& formula, const KernelRow& row) {
-    ByteRowWalk<Avx2Lanes, Formula>::run(formula, row);
+void blendByteBlockAvx2(const Formula& formula, const KernelBlock& block) {
+    ByteRowWalk<Avx2Lanes, Formula>::run(formula, block);
 }
 
 template <class Formula>
@@ -18,7 +18,8 @@ void blendGrayRowAvx2(const Formula& formula, const KernelRow& row) {
     GrayRowWalk<Avx2Lanes, Formula>(formula, row).run();
 }
 
-#define BRUSHWORK_MAKE(Formula) template void blendByteRowAvx2(const Formula&, const KernelRow&);
+#define BRUSHWORK_MAKE(Formula) \
+    template void blendByteBlockAvx2(const Formula&, const KernelBlock&);
 BRUSHWORK_BYTE_FORMULAS(BRUSHWORK_MAKE)
 #undef BRUSHWORK_MAKE
 

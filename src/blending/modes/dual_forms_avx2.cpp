@@ -8,12 +8,12 @@
 namespace brushwork::npc {
 
 template <class Formula>
-void blendDualRowAvx2(const Formula& formula, const KernelRow& row) {
-    DualRowWalk<Avx2DualLanes, Formula>::run(formula, row);
+void blendDualBlockAvx2(const Formula& formula, const KernelBlock& block) {
+    DualRowWalk<Avx2DualLanes, Formula>::run(formula, block);
 }
 
 #define BRUSHWORK_DUAL_FORM(formula) \
-    template void blendDualRowAvx2(const formula&, const KernelRow&);
+    template void blendDualBlockAvx2(const formula&, const KernelBlock&);
 BRUSHWORK_DUAL_FORMULAS(BRUSHWORK_DUAL_FORM)
 #undef BRUSHWORK_DUAL_FORM
 

@@ -8,12 +8,12 @@
 namespace brushwork::npc {
 
 template <class Formula>
-void blendDualRowSse2(const Formula& formula, const KernelRow& row) {
-    DualRowWalk<Sse2DualLanes, Formula>::run(formula, row);
+void blendDualBlockSse2(const Formula& formula, const KernelBlock& block) {
+    DualRowWalk<Sse2DualLanes, Formula>::run(formula, block);
 }
 
 #define BRUSHWORK_DUAL_FORM(formula) \
-    template void blendDualRowSse2(const formula&, const KernelRow&);
+    template void blendDualBlockSse2(const formula&, const KernelBlock&);
 BRUSHWORK_DUAL_FORMULAS(BRUSHWORK_DUAL_FORM)
 #undef BRUSHWORK_DUAL_FORM
 

@@ -32,6 +32,11 @@ void widestByteKernel(const GenericBlender& blender, const KernelRow& row) {
     blendByteRow(formulaFor<Formula>(blender), row);
 }
 
+template <class Formula>
+void widestByteBlock(const GenericBlender& blender, const KernelBlock& block) {
+    blendByteBlock(formulaFor<Formula>(blender), block);
+}
+
 // The source as it is; a constant one in each place. No form of its own is faster.
 void copyKernel(const GenericBlender& blender, const KernelRow& row);
 void copyGrayKernel(const GenericBlender& blender, const KernelRow& row);
@@ -51,6 +56,7 @@ class FormulaBlender : public GenericBlender {
         if (!allowVector) return;
         kernels_.rgbaVector = widestByteKernel<Formula>;
         kernels_.rgbaMaskedVector = widestByteKernel<Formula>;
+        kernels_.rgbaMaskedBlock = widestByteBlock<Formula>;
     }
 };
 

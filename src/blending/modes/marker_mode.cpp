@@ -22,6 +22,10 @@ void widest(const GenericBlender& blender, const KernelRow& row) {
     blendDualRow(formulaOf(blender), row);
 }
 
+void widestBlock(const GenericBlender& blender, const KernelBlock& block) {
+    blendDualBlock(formulaOf(blender), block);
+}
+
 }  // namespace
 
 MarkerBlender::MarkerBlender() : GenericBlender(static_cast<std::int32_t>(BlendModeId::Marker)) {
@@ -49,7 +53,9 @@ void MarkerBlender::updateDeposit() {
 void MarkerBlender::installKernels(bool allowVector) {
     GenericBlender::installKernels(allowVector);
     kernels_.dualPlaneMasked = plain;
-    if (allowVector) kernels_.dualPlaneMaskedVector = widest;
+    if (!allowVector) return;
+    kernels_.dualPlaneMaskedVector = widest;
+    kernels_.dualPlaneMaskedBlock = widestBlock;
 }
 
 }  // namespace brushwork::npc

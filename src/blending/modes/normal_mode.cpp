@@ -13,6 +13,10 @@ void widestDual(const GenericBlender& blender, const KernelRow& row) {
     blendDualRow(NormalDualFormula{blender.opacity16()}, row);
 }
 
+void widestDualBlock(const GenericBlender& blender, const KernelBlock& block) {
+    blendDualBlock(NormalDualFormula{blender.opacity16()}, block);
+}
+
 }  // namespace
 
 NormalBlender::NormalBlender() : FormulaBlender(BlendModeId::Normal) {
@@ -22,7 +26,9 @@ NormalBlender::NormalBlender() : FormulaBlender(BlendModeId::Normal) {
 void NormalBlender::installKernels(bool allowVector) {
     FormulaBlender::installKernels(allowVector);
     kernels_.dualPlaneMasked = plainDual;
-    if (allowVector) kernels_.dualPlaneMaskedVector = widestDual;
+    if (!allowVector) return;
+    kernels_.dualPlaneMaskedVector = widestDual;
+    kernels_.dualPlaneMaskedBlock = widestDualBlock;
 }
 
 }  // namespace brushwork::npc

@@ -28,6 +28,11 @@ void widest(const GenericBlender& blender, const KernelRow& row) {
     blendDualRow(formulaOf<Formula>(blender), row);
 }
 
+template <class Formula>
+void widestBlock(const GenericBlender& blender, const KernelBlock& block) {
+    blendDualBlock(formulaOf<Formula>(blender), block);
+}
+
 }  // namespace
 
 FlowBlender::FlowBlender(std::int32_t mode) : GenericBlender(mode) {
@@ -51,6 +56,8 @@ void PaintBlender::installKernels(bool allowVector) {
     if (!allowVector) return;
     kernels_.rgbaMaskedVector = widest<PaintFormula8>;
     kernels_.dualPlaneMaskedVector = widest<PaintFormula>;
+    kernels_.rgbaMaskedBlock = widestBlock<PaintFormula8>;
+    kernels_.dualPlaneMaskedBlock = widestBlock<PaintFormula>;
 }
 
 SolidColorPaintBlender::SolidColorPaintBlender()
@@ -67,6 +74,8 @@ void SolidColorPaintBlender::installKernels(bool allowVector) {
     kernels_.rgbaVector = widest<SolidPaintFormulaAtOnce>;
     kernels_.rgbaMaskedVector = widest<SolidPaintFormula<false>>;
     kernels_.dualPlaneMaskedVector = widest<SolidPaintFormula<true>>;
+    kernels_.rgbaMaskedBlock = widestBlock<SolidPaintFormula<false>>;
+    kernels_.dualPlaneMaskedBlock = widestBlock<SolidPaintFormula<true>>;
 }
 
 }  // namespace brushwork::npc

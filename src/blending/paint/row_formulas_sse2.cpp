@@ -9,8 +9,8 @@
 namespace brushwork::npc {
 
 template <class Formula>
-void blendByteRowSse2(const Formula& formula, const KernelRow& row) {
-    ByteRowWalk<Sse2Lanes, Formula>::run(formula, row);
+void blendByteBlockSse2(const Formula& formula, const KernelBlock& block) {
+    ByteRowWalk<Sse2Lanes, Formula>::run(formula, block);
 }
 
 template <class Formula>
@@ -18,7 +18,8 @@ void blendGrayRowSse2(const Formula& formula, const KernelRow& row) {
     GrayRowWalk<Sse2Lanes, Formula>(formula, row).run();
 }
 
-#define BRUSHWORK_MAKE(Formula) template void blendByteRowSse2(const Formula&, const KernelRow&);
+#define BRUSHWORK_MAKE(Formula) \
+    template void blendByteBlockSse2(const Formula&, const KernelBlock&);
 BRUSHWORK_PAINT_FORMULAS(BRUSHWORK_MAKE)
 #undef BRUSHWORK_MAKE
 

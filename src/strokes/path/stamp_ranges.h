@@ -1,4 +1,4 @@
-// Bringing the values of a stamp into their ranges.
+// Bringing the values of a stamp into their ranges and steps.
 #pragma once
 
 #include <cmath>
@@ -11,6 +11,13 @@ namespace brushwork {
 [[nodiscard]] inline float clampedStampRadius(float radius) {
     if (!(radius >= minimumStampRadius)) return minimumStampRadius;
     return radius > maximumStampRadius ? maximumStampRadius : radius;
+}
+
+// std::floor, without a call where the number fits an int.
+[[nodiscard]] inline float floorOf(float value) {
+    if (!(std::fabs(value) < 8388608.0f)) return std::floor(value);
+    const auto cut = static_cast<float>(static_cast<int>(value));
+    return cut > value ? cut - 1.0f : cut;
 }
 
 // Into [0, 360). Raised first and lowered then, since a tiny negative angle rounds up to 360.

@@ -128,11 +128,11 @@ std::int32_t StampSource::bottom(const ilTile& stamp) const {
 TextureMask::TextureMask() = default;
 TextureMask::~TextureMask() = default;
 
-Ref<ilSPMemoryImg> TextureMask::apply(const BrushParameters& brush, const StampImages& stamp,
-                                      float strength) {
+ilSPMemoryImg* TextureMask::apply(const BrushParameters& brush, const StampImages& stamp,
+                                  float strength) {
     const bool active =
         brush.texture && brush.textureEnabled && brush.texture->enabled && brush.textureImage;
-    if (!active) return stamp.mask;
+    if (!active) return stamp.mask.get();
     const std::int32_t width = stamp.mask->sizeX(), height = stamp.mask->sizeY();
     if (!image_ || image_->sizeX() != width || image_->sizeY() != height)
         image_ = makeRef<ilSPMemoryImg>(width, height, 1);
@@ -142,7 +142,7 @@ Ref<ilSPMemoryImg> TextureMask::apply(const BrushParameters& brush, const StampI
     }
     if (!image_->data()) {
         image_.reset();
-        return stamp.mask;
+        return stamp.mask.get();
     }
     blender_->setDestination(image_.get(), 0, 0);
     blender_->setSource(stamp.mask.get(), 0, 0, false);
@@ -152,7 +152,7 @@ Ref<ilSPMemoryImg> TextureMask::apply(const BrushParameters& brush, const StampI
     blender_->run(flatTile(0, 0, stamp.box.nx, stamp.box.ny));
     // The source may be a kept stamp: it is the cache's to drop.
     blender_->setSource(nullptr, 0, 0, false);
-    return image_;
+    return image_.get();
 }
 
 }  // namespace brushwork::npc

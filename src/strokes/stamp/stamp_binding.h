@@ -50,9 +50,9 @@ class TextureMask {
     ~TextureMask();
 
     // The stamp's own mask if the brush has no texture that is switched on, or memory is short.
-    // Otherwise an image that is written anew for the next stamp.
-    [[nodiscard]] Ref<ilSPMemoryImg> apply(const BrushParameters& brush, const StampImages& stamp,
-                                           float strength);
+    // Otherwise an image that is written anew for the next stamp. Borrowed.
+    [[nodiscard]] ilSPMemoryImg* apply(const BrushParameters& brush, const StampImages& stamp,
+                                       float strength);
 
   private:
     Ref<ilSPMemoryImg> image_;

@@ -3,6 +3,8 @@
 #include <cmath>
 #include <numbers>
 
+#include "strokes/path/stamp_ranges.h"
+
 namespace brushwork::npc {
 namespace {
 
@@ -32,6 +34,14 @@ StampMap StampFrame::toTable(std::int32_t imageWidth, std::int32_t imageHeight) 
     const auto width = static_cast<float>(imageWidth), height = static_cast<float>(imageHeight);
     return mapOf(*this, width / (2.0f * radius * scaleX), height / (2.0f * radius * scaleY),
                  width * 0.5f + 0.5f, height * 0.5f + 0.5f);
+}
+
+bool wholePlace(const StampPoint& point, std::int32_t& x, std::int32_t& y) {
+    const float floorX = floorOf(point.x), floorY = floorOf(point.y);
+    if (!(std::fabs(floorX) < farthest && std::fabs(floorY) < farthest)) return false;
+    x = static_cast<std::int32_t>(floorX);
+    y = static_cast<std::int32_t>(floorY);
+    return true;
 }
 
 StampFrame stampFrame(const StampPoint& point) {

@@ -81,14 +81,14 @@ void StampImageCache::unlink(std::uint32_t place) {
     (item.older_ == none ? oldest_ : places_[item.older_].item->newer_) = item.newer_;
 }
 
-Ref<StampImageCacheItem> StampImageCache::find(std::uint64_t key) {
+StampImageCacheItem* StampImageCache::find(std::uint64_t key) {
     const std::uint32_t place = placeOf(key);
-    if (place == none) return {};
+    if (place == none) return nullptr;
     if (place != newest_) {
         unlink(place);
         linkAsNewest(place);
     }
-    return places_[place].item;
+    return places_[place].item.get();
 }
 
 void StampImageCache::insert(const Ref<StampImageCacheItem>& item, std::uint64_t key) {
@@ -146,8 +146,8 @@ void StampCacheLease::claim() {
         generation_ = cache_->open(identity_);
 }
 
-Ref<StampImageCacheItem> StampCacheLease::find(std::uint64_t key) {
-    if (!cache_) return {};
+StampImageCacheItem* StampCacheLease::find(std::uint64_t key) {
+    if (!cache_) return nullptr;
     claim();
     return cache_->find(key);
 }

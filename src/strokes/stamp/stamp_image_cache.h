@@ -1,8 +1,8 @@
 // npc::StampImageCache: stamps that were made, so that a stroke that repeats one pays once.
 //
 //     StampCacheLease lease(cache, identity);          // once a stroke
-//     Ref<StampImageCacheItem> item = lease.find(key);
-//     if (!item) lease.insert(item = made(), key);
+//     StampImageCacheItem* item = lease.find(key);
+//     if (!item) lease.insert(made(), key);
 //
 // The key tells size, angle and place, but not the brush. So nothing is found or kept except
 // through a lease, which says whose stamps are meant: the cache holds those of one brush at a time
@@ -52,6 +52,7 @@ class StampImageCacheItem final : public zn::ReferenceCount {
     Ref<ilSPMemoryImg> mask;   // 1 channel
     Ref<ilSPMemoryImg> color;  // 4 channels, or none
     ilTile inked;              // of the mask: outside it is 0; may be empty
+    ilTile box;                // of the stamp, as seen from the pixel that its middle lies in
 
   private:
     friend class StampImageCache;
@@ -101,7 +102,7 @@ class StampImageCache final : public zn::ReferenceCount {
 
     std::uint64_t open(const StampIdentity& identity);
     [[nodiscard]] std::uint64_t generation() const { return generation_; }
-    Ref<StampImageCacheItem> find(std::uint64_t key);
+    StampImageCacheItem* find(std::uint64_t key);
     void insert(const Ref<StampImageCacheItem>& item, std::uint64_t key);
 
     [[nodiscard]] std::uint32_t bucketOf(std::uint64_t key) const;
@@ -134,8 +135,9 @@ class StampCacheLease {
     StampCacheLease() = default;
     StampCacheLease(Ref<StampImageCache> cache, const StampIdentity& identity);
 
-    // Becomes the newest; null if there is none. Allocates nothing.
-    [[nodiscard]] Ref<StampImageCacheItem> find(std::uint64_t key);
+    // Becomes the newest; null if there is none. Allocates nothing. Borrowed: it stays until the
+    // cache is changed.
+    [[nodiscard]] StampImageCacheItem* find(std::uint64_t key);
     // Becomes the newest, in place of one with that key; then the oldest go until both limits are
     // kept: fewer than maxItems, at most maxBytes. An item above that evicts all, itself included.
     void insert(const Ref<StampImageCacheItem>& item, std::uint64_t key);

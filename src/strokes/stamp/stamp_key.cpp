@@ -4,6 +4,8 @@
 #include <cmath>
 #include <iterator>
 
+#include "strokes/path/stamp_ranges.h"
+
 namespace brushwork::npc {
 namespace {
 
@@ -20,11 +22,11 @@ float finiteOr0(float value) {
 }
 
 float flooredTo(float value, float steps) {
-    return std::floor(value * steps) / steps;
+    return floorOf(value * steps) / steps;
 }
 
 float raisedTo(float value, float steps) {
-    return std::ceil(value * steps) / steps;
+    return -floorOf(-(value * steps)) / steps;
 }
 
 // Steps a pixel for places and radii.
@@ -33,10 +35,11 @@ float stepsAt(float radius) {
 }
 
 float wholeDegrees(float angle) {
+    if (angle >= 0.0f && angle < 360.0f) return floorOf(angle);
     float turned = std::fmod(angle, 360.0f);
     if (turned < 0.0f) turned += 360.0f;
     if (turned >= 360.0f) turned -= 360.0f;  // a tiny negative angle was rounded up to it
-    return std::floor(turned);
+    return floorOf(turned);
 }
 
 // A number outside of 64 bits becomes the nearest bound.
@@ -89,8 +92,8 @@ std::uint64_t stampKey(const StampPoint& quantized) {
     key = (key << 16) | keyField(q.angle);
     key = (key << 8) | keyField((q.scaleX + 4.0f) * scaleSteps);
     key = (key << 8) | keyField((q.scaleY + 4.0f) * scaleSteps);
-    key = (key << 8) | keyField(16.0f * (q.x - std::floor(q.x)));
-    key = (key << 8) | keyField(16.0f * (q.y - std::floor(q.y)));
+    key = (key << 8) | keyField(16.0f * (q.x - floorOf(q.x)));
+    key = (key << 8) | keyField(16.0f * (q.y - floorOf(q.y)));
     return key;
 }
 

@@ -174,40 +174,56 @@ bool StampMaker::prepareColor(const StampFrame& frame, const StampPoint& point,
     return true;
 }
 
-void StampMaker::takeFromCache(const StampFrame& frame, const StampPoint& point) {
+// What is found needs no frame.
+bool StampMaker::takeFromCache(const StampPoint& point, std::uint64_t key) {
     refreshLease();
-    const std::uint64_t key = stampKey(point);
-    if (const Ref<StampImageCacheItem> found = lease_.find(key)) {
-        show(*found);
-        return;
-    }
+    std::int32_t x = 0, y = 0;
+    if (!wholePlace(point, x, y)) return false;
+    const StampImageCacheItem* const found = lease_.find(key);
+    if (found) show(*found, x, y);
+    return found != nullptr;
+}
+
+void StampMaker::makeForCache(const StampFrame& frame, const StampPoint& point, std::uint64_t key) {
+    std::int32_t x = 0, y = 0;
     const auto item = makeRef<StampImageCacheItem>();
     Job job;
-    if (!prepareMask(frame, point, item->mask, job)) return;
+    if (!wholePlace(point, x, y) || !prepareMask(frame, point, item->mask, job)) return;
     if (wants(StampColors::Kept)) prepareColor(frame, point, item->color, job);
     StampBands(frame.box.nx, frame.box.ny).run([&job](StampBands::Band band) {
         job.makeRows(band);
     });
     item->inked = inkedPart(*item->mask);
-    show(*item);
+    item->box = frame.box;
+    item->box.x -= x;
+    item->box.y -= y;
+    show(*item, x, y);
     lease_.insert(item, key);
 }
 
-void StampMaker::show(const StampImageCacheItem& item) {
-    current_.mask = item.mask;
-    current_.color = item.color;
+void StampMaker::show(const StampImageCacheItem& item, std::int32_t x, std::int32_t y) {
+    current_.box = item.box;
+    current_.box.x += x;
+    current_.box.y += y;
     current_.inked = item.inked;
     current_.inked.x += current_.box.x;
     current_.inked.y += current_.box.y;
+    current_.mask = item.mask;
+    if (current_.color || item.color) current_.color = item.color;
 }
 
 const StampImages& StampMaker::make(const StampPoint& quantized) {
+    const bool cached = cacheEnabled_ && lease_.cache();
+    const std::uint64_t key = cached ? stampKey(quantized) : 0;
+    if (cached && !wants(StampColors::Fresh) && takeFromCache(quantized, key)) return current_;
     const StampFrame frame = stampFrame(quantized);
     current_ = {frame.box, frame.box, {}, {}};
     if (frame.box.isEmpty()) return current_;
     Job job;
-    if (cacheEnabled_ && lease_.cache()) {
-        takeFromCache(frame, quantized);
+    if (cached) {
+        // Scales out of range may share a key with a stamp of another size.
+        if (!takeFromCache(quantized, key) || current_.box != frame.box)
+            makeForCache(frame, quantized, key);
     } else if (prepareMask(frame, quantized, scratchMask_, job)) {
         current_.mask = scratchMask_;
         if (wants(StampColors::Kept) && prepareColor(frame, quantized, scratchColor_, job))

@@ -61,8 +61,9 @@ class StampMaker {
     struct Job;
     [[nodiscard]] bool wants(StampColors colors) const;
     void refreshLease();
-    void show(const StampImageCacheItem& item);
-    void takeFromCache(const StampFrame& frame, const StampPoint& point);
+    void show(const StampImageCacheItem& item, std::int32_t x, std::int32_t y);
+    bool takeFromCache(const StampPoint& point, std::uint64_t key);
+    void makeForCache(const StampFrame& frame, const StampPoint& point, std::uint64_t key);
     bool prepareMask(const StampFrame& frame, const StampPoint& point, Ref<ilSPMemoryImg>& mask,
                      Job& job);
     bool prepareColor(const StampFrame& frame, const StampPoint& point, Ref<ilSPMemoryImg>& color,

@@ -18,7 +18,8 @@ StampRenderer::~StampRenderer() = default;
 void StampRenderer::begin(BlendModeId mode) {
     if (begun_) return;
     blendMode_ = mode;
-    blender_ = createBlender(mode);
+    const bool fits = spare_ && spare_->mode() == static_cast<std::int32_t>(mode);
+    blender_ = fits ? std::move(spare_) : createBlender(mode);
     if (!blender_) return;
     begun_ = true;
     blender_->setThreaded(true);
@@ -36,7 +37,8 @@ void StampRenderer::end() {
     if (!begun_) return;
     ending();
     maker_.freeTables();
-    blender_.reset();
+    blender_->reset();
+    spare_ = std::move(blender_);
     begun_ = false;
 }
 
@@ -62,12 +64,23 @@ ilTile StampRenderer::renderStamp(const StampPoint& stamp) {
     refreshTip();
     const StampImages& images = maker_.make(stamp);
     if (!images.mask) return {};
-    const Ref<ilSPMemoryImg> mask = texture_.apply(brush_, images, stamp.textureStrength);
+    ilSPMemoryImg* const mask = texture_.apply(brush_, images, stamp.textureStrength);
     blender_->setPlainMask(mask->data(), mask->sizeX(), images.box.x, images.box.y);
     bindSource(*blender_, source_, images, color_);
     setStampValues(*blender_, stamp);
     blender_->setLockAlpha(lockAlpha_);
-    blender_->run(carriesPaint(blendMode_) ? images.box : images.inked);
+    if (carriesPaint(blendMode_)) {
+        blender_->run(images.box);
+    } else {
+        // A mask of its own is 0 up to the end of its rows. Pixels of a locked alpha are fitted to
+        // it also where the mask is 0.
+        ilTile room = images.inked;
+        if (mask == images.mask && !lockAlpha_) {
+            room.x = images.box.x;
+            room.nx = mask->sizeX();
+        }
+        blender_->run(images.inked, room);
+    }
     return images.box;
 }
 

@@ -88,6 +88,8 @@ class StampRenderer {
 
     BlendModeId blendMode_ = BlendModeId::Normal;
     std::shared_ptr<GenericBlender> blender_;  // null unless begun
+    // The last one, without images: a pen's next point needs the same.
+    std::shared_ptr<GenericBlender> spare_;
     BrushParameters brush_;
     Ref<Stamp> stamp_;
     Ref<ilImage> high_, low_;

@@ -6,6 +6,7 @@
 
 #include "foundation/profiles/poly_1d.h"
 #include "image/work/il_const_img.h"
+#include "strokes/path/stamp_ranges.h"
 
 namespace brushwork {
 namespace {
@@ -20,9 +21,11 @@ float shareOf(float value) {
     return value > 0.0f ? std::min(value, 1.0f) : 0.0f;
 }
 
-// Halves away from zero.
+// To the nearest step, halves upward. Values are 0 and more.
 float stepped(float value, float steps) {
-    return std::round(value * steps) / steps;
+    const float scaled = value * steps;
+    const float whole = floorOf(scaled);
+    return (scaled - whole >= 0.5f ? whole + 1.0f : whole) / steps;
 }
 
 template <class T>

@@ -134,7 +134,7 @@ TEST(StampImageCache, EvictedImagesLiveAsLongAsTheyAreHeld) {
     const auto cache = makeRef<StampImageCache>(64u);
     StampCacheLease lease(cache, {});
     lease.insert(itemOf(16, 2), 1);
-    const auto held = lease.find(1);
+    const Ref<StampImageCacheItem> held(lease.find(1));
     ASSERT_TRUE(held);
     held->mask->data()[31] = 77;
     lease.insert(itemOf(16, 4, 4), 2);  // 128 bytes: too large, and takes the first with it

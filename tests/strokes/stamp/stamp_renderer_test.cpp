@@ -1,0 +1,102 @@
+#include "strokes/stamp/stamp_renderer.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+#include <string>
+#include <vector>
+
+#include "image/smart/il_smart_image.h"
+#include "image/smart/smart_page_table.h"
+#include "support/test_seed.h"
+
+namespace brushwork::npc {
+namespace {
+
+using Bytes = std::vector<std::uint8_t>;
+
+constexpr ilTile box = flatTile(-96, -96, 320, 320);
+
+// Noise, also in pixels without alpha; a part of the pages is absent.
+Ref<ilSmartImage> noise(unsigned seed) {
+    std::mt19937 random(seed);
+    Ref<ilSmartImage> image(new ilSmartImage(ilPixel(TypeUChar, 4)));
+    Bytes bytes(static_cast<std::size_t>(box.nx * box.ny) * 4);
+    for (std::uint8_t& byte : bytes) byte = static_cast<std::uint8_t>(random());
+    for (std::size_t n = 3; n < bytes.size(); n += 4)
+        if (random() % 3 == 0) bytes[n] = 0;
+    const ilTile part = flatTile(box.x, box.y, box.nx, 160);
+    image->writeRegion(part, bytes.data(), part);
+    return image;
+}
+
+struct Planes {
+    Ref<ilSmartImage> high = noise(1), low = noise(2);
+
+    [[nodiscard]] Bytes bytes() const {
+        const auto size = static_cast<std::size_t>(box.nx * box.ny) * 4;
+        Bytes all(2 * size);
+        EXPECT_EQ(high->readRegion(box, all.data(), box), ImageOk);
+        EXPECT_EQ(low->readRegion(box, all.data() + size, box), ImageOk);
+        return all;
+    }
+    [[nodiscard]] int pages() const {
+        int count = 0;
+        high->pages().eachPage([&](std::int32_t, std::int32_t, SmartPageRef&) { ++count; });
+        return count;
+    }
+};
+
+// Stamps in a row keep the pages of the one before and fill whole vectors around small masks; a
+// stamp alone does neither.
+TEST(StampRenderer, StampsInARowAreThoseOfStampsAlone) {
+    const unsigned seed = test::testSeed();
+    SCOPED_TRACE("seed " + std::to_string(seed));
+    for (const BlendModeId mode :
+         {BlendModeId::Normal, BlendModeId::Replace, BlendModeId::Marker, BlendModeId::Paint,
+          BlendModeId::SolidColorPaint, BlendModeId::Multiply, BlendModeId::Smudge})
+        for (const bool twoPlanes : {true, false})
+            for (const bool lockAlpha : {false, true}) {
+                Planes alone, row;
+                BrushParameters brush = BrushParameters::defaults();
+                brush.color = {0.6f, 0.3f, 0.1f, 0.8f};
+                brush.tipPreset = 2;
+                brush.mixRate0 = 0.5f;
+                const auto rendererOn = [&](const Planes& planes) {
+                    auto renderer = std::make_unique<StampRenderer>(
+                        planes.high.get(), twoPlanes ? planes.low.get() : nullptr);
+                    renderer->setParameters(&brush);
+                    renderer->setLockAlpha(lockAlpha);
+                    return renderer;
+                };
+                const auto first = rendererOn(alone), second = rendererOn(row);
+                std::mt19937 random(seed);
+                const auto between = [&](float low, float high) {
+                    return low + (high - low) * static_cast<float>(random() % 4096) / 4096.0f;
+                };
+                second->begin(mode);
+                StampPoint point;
+                for (int n = 0; n < 250; ++n) {
+                    if (n % 8 == 0) point.x = between(-60.0f, 190.0f);
+                    if (n % 8 == 0) point.y = between(-60.0f, 190.0f);
+                    point.x += between(-2.0f, 3.0f);
+                    point.y += between(-2.0f, 3.0f);
+                    point.radius = n % 16 == 15 ? 30.0f : between(0.25f, 9.0f);
+                    point.opacity = between(0.2f, 1.1f);
+                    point.flow = 0.9f;
+                    point.scaleY = between(0.3f, 1.0f);
+                    point.angle = between(0.0f, 90.0f);
+                    first->begin(mode);
+                    ASSERT_EQ(first->renderPoint(point), second->renderPoint(point));
+                    first->end();
+                }
+                second->end();
+                ASSERT_TRUE(alone.bytes() == row.bytes())
+                    << "mode " << static_cast<int>(mode) << ", " << (twoPlanes ? 2 : 1)
+                    << " planes, locked alpha " << lockAlpha;
+                EXPECT_EQ(alone.pages(), row.pages());
+            }
+}
+
+}  // namespace
+}  // namespace brushwork::npc
