@@ -71,25 +71,25 @@ void FacadeState::replaceStack(LayerStack& stack, std::int32_t canvas) {
     modal.leave();
 }
 
+// Copies of a canvas have shapes of equal ids, which mean those of the one in front.
 bool FacadeState::locateShape(std::int32_t shapeId, ShapePlace& place) const {
-    for (std::size_t n = 0; n < canvases.slots.size(); ++n) {
-        LayerStack* const stack = canvases.slots[n].get();
-        if (!stack) continue;
-        static_cast<void>(eachLayer(stack->parts().list, [&](Layer& layer) {
-            ShapeLayer* const shapes = ShapeLayer::from(&layer);
-            Shape* const shape = shapes ? shapes->shapeById(shapeId) : nullptr;
-            if (!shape) return true;
-            place = {static_cast<std::int32_t>(n),
-                     stack->indexOf(&layer, true),
-                     shapes->placeOf(*shape),
-                     stack,
-                     shapes,
-                     shape};
-            return false;
-        }));
-        if (place.shape) return true;
-    }
+    if (locateIn(canvases.current, shapeId, place)) return true;
+    for (std::int32_t canvas = 0; canvas < slotCount(); ++canvas)
+        if (canvas != canvases.current && locateIn(canvas, shapeId, place)) return true;
     return false;
+}
+
+bool FacadeState::locateIn(std::int32_t canvas, std::int32_t shapeId, ShapePlace& place) const {
+    LayerStack* const stack = stackAt(canvas);
+    if (!stack) return false;
+    return !eachLayer(stack->parts().list, [&](Layer& layer) {
+        ShapeLayer* const shapes = ShapeLayer::from(&layer);
+        Shape* const shape = shapes ? shapes->shapeById(shapeId) : nullptr;
+        if (!shape) return true;
+        place = {canvas, stack->indexOf(&layer, true), shapes->placeOf(*shape), stack, shapes,
+                 shape};
+        return false;
+    });
 }
 
 void FacadeState::scheduleIdle() {

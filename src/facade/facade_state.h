@@ -38,6 +38,9 @@ struct FacadeState final : UndoCanvases {
     // Restarts the idle timer sooner, after a stroke.
     void scheduleIdleAfterStroke();
     [[nodiscard]] LayerStack* current() const { return stackAt(activeOne); }
+
+  private:
+    [[nodiscard]] bool locateIn(std::int32_t canvas, std::int32_t shapeId, ShapePlace& place) const;
 };
 
 }  // namespace brushwork

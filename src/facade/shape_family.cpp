@@ -8,9 +8,8 @@
 #include "facade/input_limits.h"
 #include "facade/undo_filing.h"
 #include "facade/user_messages.h"
-#include "foundation/host/host_calls.h"
 #include "foundation/host/host_canvas.h"
-#include "shapes/host_outline.h"
+#include "undo/canvas_redraw.h"
 #include "undo/pnt_undo_shape_add.h"
 #include "undo/pnt_undo_shape_array_delete.h"
 #include "undo/pnt_undo_shape_delete.h"
@@ -116,8 +115,12 @@ std::int32_t ShapeFamily::addShape(std::int32_t number, HostShape shape,
         [&](LayerStack& stack) {
             const std::int32_t id = addTo(stack, kind, shape, parms, hostData);
             UndoCanvases::ShapePlace place;
-            if (id == noLayer || !state_.undo.isActive() || !state_.locateShape(id, place))
+            if (id == noLayer || !state_.undo.isActive() || !state_.locateShape(id, place)) {
+                // Without a record the copy would leave the records before it behind.
+                bool redraw = false;
+                if (structure && id == noLayer) structure->undo(&redraw);
                 return id;
+            }
             const Ref<PntUndoShapeAdd> added(
                 new PntUndoShapeAdd(state_, place.canvas, place.layer->id(), place.stack,
                                     place.layer, place.shapeIndex, place.shape, "SidShapeAdd"));
@@ -152,26 +155,35 @@ bool ShapeFamily::deleteShape(std::int32_t shape, std::int32_t) {
         });
 }
 
+// Each canvas goes on in a copy, out of which its shapes go.
 bool ShapeFamily::deleteShapes(std::span<const std::int32_t> shapes) {
-    std::vector<UndoCanvases::ShapePlace> places;
-    std::vector<std::int32_t> ids;
+    std::vector<std::int32_t> ids, canvases;
+    const auto note = [](std::vector<std::int32_t>& list, std::int32_t number) {
+        if (std::find(list.begin(), list.end(), number) == list.end()) list.push_back(number);
+    };
     for (const std::int32_t id : shapes) {
         UndoCanvases::ShapePlace place;
-        if (!state_.locateShape(id, place) || std::find(ids.begin(), ids.end(), id) != ids.end())
-            continue;
-        places.push_back(place);
-        ids.push_back(id);
+        if (!state_.locateShape(id, place)) continue;
+        note(ids, id);
+        note(canvases, place.canvas);
     }
-    if (places.empty()) return false;
+    if (ids.empty()) return false;
     return guardedEdit(
-        state_, places.front().canvas,
+        state_, canvases.front(),
         [&](std::int32_t) {
-            const Ref<PntUndoShapeArrayDelete> record(
+            const Ref<PntUndoCombo> combo(new PntUndoCombo(nullptr, nullptr, nullptr, nullptr,
+                                                           nullptr, false, false, "SidCombo"));
+            for (const std::int32_t canvas : canvases)
+                combo->addChild(recordStack(state_, canvas, false).get());
+            const Ref<PntUndoShapeArrayDelete> gone(
                 new PntUndoShapeArrayDelete(state_, ids, "SidShapeArrayDelete"));
-            fileRecord(record.get());
+            combo->addChild(gone.get());
+            fileRecord(combo.get());
         },
         [&](LayerStack&) {
-            for (const UndoCanvases::ShapePlace& place : places) {
+            for (const std::int32_t id : ids) {
+                UndoCanvases::ShapePlace place;
+                if (!state_.locateShape(id, place)) continue;
                 const Ref<Shape> held(place.shape);
                 place.layer->removeShape(*held);
                 shapesChanged(*place.stack, *place.layer);
@@ -180,24 +192,37 @@ bool ShapeFamily::deleteShapes(std::span<const std::int32_t> shapes) {
         });
 }
 
+// The host's curves move within the edit: one that is refused leaves them where they are.
 bool ShapeFamily::moveShape(std::int32_t shape, float dx, float dy) {
     UndoCanvases::ShapePlace place;
     if (!isPlace(dx, dy) || !state_.locateShape(shape, place)) return false;
-    // The host's curves move within the edit: one that is refused leaves them where they are.
-    return guardedEdit(state_, place.canvas, [&](LayerStack& stack) {
-        const double map[] = {1.0, 0.0, dx, 0.0, 1.0, dy};
-        for (const HostCurve curve : place.shape->curves()) hostMapCurve(curve, map);
-        place.shape->changed();
-        shapesChanged(stack, *place.layer);
-        return true;
-    });
+    return guardedEdit(
+        state_, place.canvas,
+        [&](std::int32_t canvas) {
+            const std::int32_t layer = place.layer->id();
+            const Ref<PntUndoShapeDelete> from(new PntUndoShapeDelete(
+                state_, canvas, layer, place.stack, place.layer, place.shapeIndex, place.shape,
+                PntUndoShapeDelete::Way{dx, dy}, "SidShapeDelete"));
+            const Ref<PntUndoShapeAdd> to(new PntUndoShapeAdd(state_, canvas, layer, place.stack,
+                                                              place.layer, place.shapeIndex,
+                                                              place.shape, "SidShapeAdd"));
+            const Ref<PntUndoCombo> combo(new PntUndoCombo(to.get(), from.get(), nullptr, nullptr,
+                                                           nullptr, false, false, "SidCombo"));
+            fileRecord(combo.get());
+        },
+        [&](LayerStack& stack) {
+            moveCurves(state_, *place.shape, dx, dy);
+            shapesChanged(stack, *place.layer);
+            return true;
+        });
 }
 
+// Without a record: how curves and parms were before, only the host knows.
 bool ShapeFamily::shapeChanged(std::int32_t shape) {
     UndoCanvases::ShapePlace place;
     if (!state_.locateShape(shape, place)) return false;
     return guardedEdit(state_, place.canvas, [&](LayerStack& stack) {
-        place.shape->changed();
+        curvesChanged(state_, *place.shape);
         shapesChanged(stack, *place.layer);
         return true;
     });

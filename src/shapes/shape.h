@@ -43,6 +43,8 @@ class Shape final : public Resource, public ShapeSource {
 
     // 1, 2, 3 ... in the order of construction; a kept one apart, never two alike in a process.
     [[nodiscard]] std::int32_t id() const { return id_; }
+    // From now on this stands for the other, which it is a copy of.
+    void takeIdOf(const Shape& other) { id_ = other.id_; }
     [[nodiscard]] HostShape hostShape() const override { return hostShape_; }
     [[nodiscard]] void* hostData() const { return hostData_; }
     [[nodiscard]] void* hostResult() const { return hostResult_; }

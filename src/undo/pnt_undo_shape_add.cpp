@@ -38,6 +38,10 @@ void PntUndoShape::remove(bool* deferRedraw) {
     redrawOrDefer(canvases(), canvasIndex(), deferRedraw);
 }
 
+void PntUndoShape::moveCurves(float dx, float dy) {
+    if (shape_) brushwork::moveCurves(canvases(), *shape_, dx, dy);
+}
+
 PntUndoShapeAdd::PntUndoShapeAdd(UndoCanvases& canvases, std::int32_t canvas, std::int32_t layerId,
                                  LayerStack* stack, Layer* layer, std::int32_t shapeIndex,
                                  Shape* shape, const char* primaryName)

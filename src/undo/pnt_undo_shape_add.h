@@ -26,6 +26,8 @@ class PntUndoShape : public PntUndoLayer {
     // Nothing while the layer is no shape layer, or after archiving.
     void insert(bool* deferRedraw);
     void remove(bool* deferRedraw);
+    // Moves the host's curves of the shape, in layer pixels; nothing after archiving.
+    void moveCurves(float dx, float dy);
 
   private:
     std::int32_t shapeIndex_;

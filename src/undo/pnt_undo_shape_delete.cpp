@@ -4,11 +4,19 @@ namespace brushwork {
 
 PntUndoShapeDelete::PntUndoShapeDelete(UndoCanvases& canvases, std::int32_t canvas,
                                        std::int32_t layerId, LayerStack* stack, Layer* layer,
-                                       std::int32_t shapeIndex, Shape* shape,
+                                       std::int32_t shapeIndex, Shape* shape, Way moved,
                                        const char* primaryName)
-    : PntUndoShape(canvases, canvas, layerId, stack, layer, shapeIndex, shape, primaryName) {
+    : PntUndoShape(canvases, canvas, layerId, stack, layer, shapeIndex, shape, primaryName),
+      moved_(moved) {
     addKind("SidShapeDelete");
 }
+
+PntUndoShapeDelete::PntUndoShapeDelete(UndoCanvases& canvases, std::int32_t canvas,
+                                       std::int32_t layerId, LayerStack* stack, Layer* layer,
+                                       std::int32_t shapeIndex, Shape* shape,
+                                       const char* primaryName)
+    : PntUndoShapeDelete(canvases, canvas, layerId, stack, layer, shapeIndex, shape, Way(),
+                         primaryName) {}
 
 PntUndoShapeDelete::PntUndoShapeDelete(UndoCanvases& canvases, std::int32_t canvas, ByIndex place,
                                        LayerStack* stack, Layer* layer, std::int32_t shapeIndex,
@@ -17,6 +25,16 @@ PntUndoShapeDelete::PntUndoShapeDelete(UndoCanvases& canvases, std::int32_t canv
                          primaryName) {}
 
 PntUndoShapeDelete::~PntUndoShapeDelete() = default;
+
+void PntUndoShapeDelete::undo(bool* deferRedraw) {
+    moveCurves(-moved_.dx, -moved_.dy);
+    insert(deferRedraw);
+}
+
+void PntUndoShapeDelete::redo(bool* deferRedraw) {
+    remove(deferRedraw);
+    moveCurves(moved_.dx, moved_.dy);
+}
 
 std::size_t PntUndoShapeDelete::objectSize() const {
     return sizeof(PntUndoShapeDelete) + extraSize();

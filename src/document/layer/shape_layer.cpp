@@ -251,6 +251,12 @@ void ShapeLayer::copyShapesFrom(const ShapeLayer& saved) {
     shapesChanged();
 }
 
+void ShapeLayer::takeShapeIdsOf(const ShapeLayer& other) {
+    const Shape* from = other.bottom_.get();
+    for (Shape* shape = bottom_.get(); shape && from; shape = shape->next(), from = from->next())
+        shape->takeIdOf(*from);
+}
+
 bool ShapeLayer::owns(const Shape& shape) const {
     return shape.owner() == static_cast<const ShapeOwner*>(this);
 }

@@ -72,6 +72,8 @@ class ShapeLayer : public Layer, public ShapeOwner {
     void setShapesDirty() { shapesChanged(); }
     void renderShapes(ilSmartImage& target, const ilTile* box);
     void copyShapesFrom(const ShapeLayer& saved);
+    // Of a copy of that layer: the shapes stand for those that they are copies of.
+    void takeShapeIdsOf(const ShapeLayer& other);
 
   private:
     [[nodiscard]] bool owns(const Shape& shape) const;

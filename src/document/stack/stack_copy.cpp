@@ -21,6 +21,9 @@ constexpr std::int32_t layerLogs = 0x2016;
 
 void keepIds(Layer& to, Layer& from) {
     to.setId(from.id());
+    if (ShapeLayer* const shapes = ShapeLayer::from(&to))
+        if (const ShapeLayer* const source = ShapeLayer::from(&from))
+            shapes->takeShapeIdsOf(*source);
     LayerGroup* const group = to.asGroup();
     LayerGroup* const source = from.asGroup();
     if (!group || !source) return;

@@ -19,9 +19,9 @@ void cutByMask(const StackParts& stack, Layer& layer, ilSmartImage& image, Blend
     cutBy(image, *stack.selection.paintMask, x, y, factors);
 }
 
-// The id is still the layer's; it gets one of its own as it enters the list.
+// The id is still the layer's; it gets one of its own as it enters the list. Shapes have theirs.
 Ref<Layer> copyOf(StackParts& stack, Layer& layer, bool masked) {
-    Ref<Layer> copy = layer.duplicate();
+    Ref<Layer> copy = layer.holdsShapes() ? layer.clone() : layer.duplicate();
     if (!copy) return {};
     copy->setName(uniqueName(stack, layer.name()));
     ilSmartImage* const image = rasterOf(copy.get());

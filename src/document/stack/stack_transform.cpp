@@ -54,7 +54,9 @@ QuadCorners cornersOf(Layer& layer, const TransformRecord& record) {
     return corners;
 }
 
+// Shapes stay where the host has them: what they draw would not keep a form given to it.
 void apply(Layer& layer, const TransformRecord& record) {
+    if (layer.holdsShapes()) return;
     if (onlyMoves(record)) {
         float x = 0.0f;
         float y = 0.0f;
