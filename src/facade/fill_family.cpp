@@ -67,10 +67,7 @@ bool FillFamily::floodFill(float x, float y, const std::array<float, 4>& color, 
     if (!isPlace(x, y) || !isPaintable(*before, id)) return false;
     return guardedEdit(
         state_, canvas, [&](std::int32_t index) { recordLayer(state_, index, id, true); },
-        [&](LayerStack& stack) {
-            stack.setActiveIndex(stack.indexOfId(id, true), false, false, true);
-            return stack.floodFill(x, y, color, tolerance, activeOne);
-        });
+        [&](LayerStack& stack) { return stack.floodFill(x, y, color, tolerance, id); });
 }
 
 bool FillFamily::continueFill(float tolerance) {

@@ -18,6 +18,20 @@ auto recordsStack(FacadeState& state) {
     return [&state](std::int32_t canvas) { recordStack(state, canvas, true); };
 }
 
+// With the pixels of those layers that are meant.
+template <class Meant>
+auto recordsPixelsOf(FacadeState& state, const Meant& meant) {
+    return [&state, meant](std::int32_t canvas) { recordStackWithLayers(state, canvas, meant); };
+}
+
+bool isAny(Layer&) {
+    return true;
+}
+
+bool isShown(Layer& layer) {
+    return layer.isVisibleInTree();
+}
+
 std::int32_t addRaster(FacadeState& state, const stack::NewLayer& wanted, bool record) {
     return guardedEdit(
         state, activeOne,
@@ -101,14 +115,15 @@ bool LayerFamily::deleteLayers(std::span<const std::int32_t> ids, bool dryRun) {
 }
 
 bool LayerFamily::clearLayers(std::int32_t canvas) {
-    return guardedEdit(state_, canvas, recordsStack(state_), [](LayerStack& stack) {
+    return guardedEdit(state_, canvas, recordsPixelsOf(state_, isAny), [](LayerStack& stack) {
         stack.clearLayers();
         return stack.addLayer({}) != noLayer;
     });
 }
 
 bool LayerFamily::flattenAll(std::int32_t canvas, bool visibleOnly) {
-    return guardedEdit(state_, canvas, recordsStack(state_), [&](LayerStack& stack) {
+    const auto meant = visibleOnly ? isShown : isAny;
+    return guardedEdit(state_, canvas, recordsPixelsOf(state_, meant), [&](LayerStack& stack) {
         static_cast<void>(stack.paintOps());
         const bool done = stack.flatten(visibleOnly);
         stack.refreshDisplay(true);
@@ -120,7 +135,7 @@ bool LayerFamily::mergeVisible(bool dryRun) {
     LayerStack* const before = state_.current();
     if (!before || !before->mergeVisible(true, noLayer, false)) return false;
     if (dryRun) return true;
-    return guardedEdit(state_, activeOne, recordsStack(state_),
+    return guardedEdit(state_, activeOne, recordsPixelsOf(state_, isShown),
                        [](LayerStack& stack) { return stack.mergeVisible(false, noLayer, true); });
 }
 
@@ -145,7 +160,11 @@ bool LayerFamily::flattenGroup(std::int32_t id, bool dryRun) {
     if (!before || !before->flattenGroup(id, true, noLayer, false)) return false;
     if (dryRun) return true;
     const std::int32_t meant = before->layerById(id)->id();
-    return guardedEdit(state_, canvas, recordsStack(state_), [&](LayerStack& stack) {
+    const Ref<Layer> group(before->groupById(meant));
+    const auto isMember = [group](Layer& layer) {
+        return &layer != group.get() && stack::standsIn(&layer, *group);
+    };
+    return guardedEdit(state_, canvas, recordsPixelsOf(state_, isMember), [&](LayerStack& stack) {
         return stack.flattenGroup(meant, false, noLayer, true);
     });
 }

@@ -127,10 +127,16 @@ void SelectionFamily::selectPolygon(std::span<const float> points, std::int32_t 
     });
 }
 
+// The selection layer itself is exchanged: its pixels alone wouldn't bring it back.
 void SelectionFamily::loadMaskImage(const ImageRef& mask, float x, float y) {
     if (!mask || !isPlace(x, y)) return;
     guardedEdit(
-        state_, activeOne, [&](std::int32_t canvas) { recordStack(state_, canvas, true); },
+        state_, activeOne,
+        [&](std::int32_t canvas) {
+            const Layer* const layer = state_.stackAt(canvas)->selectionLayer();
+            const std::int32_t selection[] = {layer ? layer->id() : noLayer};
+            recordStackWithLayers(state_, canvas, selection);
+        },
         [&](LayerStack& stack) {
             stack.setSelectionImage(mask.image(), x, y);
             stack.present();

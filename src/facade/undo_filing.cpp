@@ -60,6 +60,18 @@ void recordStackWithLayers(FacadeState& state, std::int32_t canvas,
     fileRecord(combo.get());
 }
 
+void recordStackWithLayers(FacadeState& state, std::int32_t canvas,
+                           const std::function<bool(Layer&)>& meant) {
+    LayerStack* const stack = state.stackAt(canvas);
+    if (!stack) return;
+    std::vector<std::int32_t> ids;
+    static_cast<void>(eachLayer(stack->parts().list, [&](Layer& layer) {
+        if (meant(layer)) ids.push_back(layer.id());
+        return true;
+    }));
+    recordStackWithLayers(state, canvas, ids);
+}
+
 void clearUndoRecords(FacadeState& state) {
     if (PntUndoDatabase* const database = undoDatabase()) database->clear();
     if (state.stroke.renderer) state.stroke.renderer->resetParameters();

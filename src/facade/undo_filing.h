@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <span>
 
 #include "brushwork/ref.h"
@@ -23,6 +24,9 @@ Ref<PntUndoStroke> recordLayer(FacadeState& state, std::int32_t canvas, std::int
 // The pixels of the layers, and then the stack around them, as one record.
 void recordStackWithLayers(FacadeState& state, std::int32_t canvas,
                            std::span<const std::int32_t> layerIds);
+// The same for all plain layers that are meant, groups' members too.
+void recordStackWithLayers(FacadeState& state, std::int32_t canvas,
+                           const std::function<bool(Layer&)>& meant);
 void clearUndoRecords(FacadeState& state);
 
 }  // namespace brushwork

@@ -2,9 +2,11 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "blending/paint/soft_paint_ops.h"
 #include "document/layer/layer_boxes.h"
+#include "document/stack/stack_active.h"
 #include "document/stack/stack_display.h"
 #include "document/stack/stack_invalidate.h"
 #include "document/stack/stack_lookup.h"
@@ -16,6 +18,31 @@
 
 namespace brushwork::stack {
 namespace {
+
+// Makes the filled layer the active one for as long as it lives: tools paint on that. The fill
+// stays open all the while.
+class FilledIsActive {
+  public:
+    FilledIsActive(StackParts& stack, Layer& filled) : stack_(stack), former_(stack.active.layer) {
+        if (former_ != &filled) activate(&filled);
+    }
+    FilledIsActive(const FilledIsActive&) = delete;
+    FilledIsActive& operator=(const FilledIsActive&) = delete;
+    ~FilledIsActive() {
+        if (former_ != stack_.active.layer) activate(former_.get());
+    }
+
+  private:
+    void activate(Layer* layer) {
+        const LiveFill open = std::exchange(stack_.fill, LiveFill());
+        setActiveLayer(stack_, layer, false, false);
+        static_cast<void>(paintOps(stack_));
+        stack_.fill = open;
+    }
+
+    StackParts& stack_;
+    Ref<Layer> former_;
+};
 
 // The image as it was before the fill, as far as the last fill changed it.
 void takeBack(LiveFill& fill) {
@@ -57,6 +84,8 @@ void paintThrough(StackParts& stack, LiveFill& fill, ilSmartImage& mask) {
 }
 
 bool paintFlood(StackParts& stack, float tolerance) {
+    const Ref<Layer> filled = stack.fill.layer;
+    const FilledIsActive active(stack, *filled);
     LiveFill& fill = stack.fill;
     const Ref<ilSmartImage> mask = floodOf(stack, fill, tolerance);
     if (!mask) return false;
@@ -77,7 +106,8 @@ bool floodFill(StackParts& stack, float x, float y, const LayerColor& color, flo
     endFill(stack);
     closeTransform(stack);
     Layer* const layer = layerById(stack, id);
-    if (!rasterOf(layer) || layer != stack.active.layer.get()) return false;
+    if (!rasterOf(layer)) return false;
+    const FilledIsActive active(stack, *layer);
     PaintOps* const painter = paintOps(stack);
     ilSmartImage* const image = ilSmartImage::from(painter ? painter->image() : nullptr);
     if (!image) return false;

@@ -5,8 +5,9 @@
 
 namespace brushwork::stack {
 
-// At a place of the view, on the active layer (its stencil while tools paint there). False: nothing
-// to fill there. The fill stays open until it is ended, or another layer becomes active.
+// At a place of the view, on a layer (its stencil while tools paint there), which is the active one
+// only meanwhile. False: nothing to fill there. The fill stays open until it is ended, or another
+// layer becomes active.
 bool floodFill(StackParts& stack, float x, float y, const LayerColor& color, float tolerance,
                std::int32_t id);
 bool continueFill(StackParts& stack, float tolerance);
