@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <vector>
 
 #include "brushwork/il_tile.h"
 #include "brushwork/ref.h"
@@ -42,6 +43,10 @@ struct LiveStroke {
     ilTile dirty{0, 0, 0, 0, 0, 1};   // since the last update
     ilTile bounds{0, 0, 0, 0, 0, 1};  // of the whole stroke
     std::int32_t pointBudget = pointsBetweenUpdates;
+    struct Mark {
+        std::int32_t x, y;
+    };
+    std::vector<Mark> marks;  // document pixels; empty unless the host asks for paint marks
 };
 
 }  // namespace brushwork

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "facade/color_jitter.h"
+#include "facade/paint_marks.h"
 #include "facade/undo_filing.h"
 
 namespace brushwork {
@@ -27,6 +28,8 @@ void finish(FacadeState& state) {
     restoreColor(state.brush);
     pixelsChanged(stroke);
     if (state.brush.displayUpdates) stroke.stack->present();
+    drawMarks(stroke);
+    stroke.marks.clear();
     stroke.stack->setPaintOnStencil(false);
     stroke.open = false;
     stroke.low.reset();

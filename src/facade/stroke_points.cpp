@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "facade/input_limits.h"
+#include "facade/paint_marks.h"
 #include "foundation/host/host_canvas.h"
 #include "strokes/stroke/stroke_replay.h"
 
@@ -29,6 +30,7 @@ void update(FacadeState& state, float pressure) {
     } else {
         return;
     }
+    drawMarks(stroke);
     stroke.pointBudget = LiveStroke::pointsBetweenUpdates;
     stroke.dirty = emptyTile;
 }
@@ -45,6 +47,7 @@ void addStrokePoint(FacadeState& state, const StrokeInputPoint& point) {
     stroke.renderer->addPoint(
         npc::replayedPoint(data, stroke.stamps->parameters(), npc::ReplayValues{}));
     update(state, pressure);
+    markPoint(state, place);
 }
 
 }  // namespace brushwork
