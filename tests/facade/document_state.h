@@ -108,6 +108,7 @@ inline DocumentState stateOf(PaintManager& manager) {
         manager.setCurrentCanvas(canvas);
         for (std::int32_t n = 1; n <= manager.layerCount(true, canvas); ++n)
             state.push_back(layerText(manager, manager.layerIdAt(n, true, canvas)));
+        state.push_back(textOf("active %d", manager.activeLayerId(canvas)));
         // An emptied selection counts as none once its bounds were asked for.
         ilTile selected;
         manager.selectionBounds(selected);

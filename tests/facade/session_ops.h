@@ -1,4 +1,5 @@
-// Operations of the facade with random arguments, many of them wrong.
+// Operations of the facade with random arguments, many of them wrong: what they are made of. The
+// operations themselves stand by family in ops_*.cpp.
 #pragma once
 
 #include <cmath>
@@ -36,8 +37,8 @@ class SessionOps {
     SessionOps(SessionHost& host, PaintManager& manager, std::uint32_t seed, bool wild)
         : host_(host), m(manager), random_(seed), wild_(wild) {}
 
-    // One of the operations of such a kind.
     [[nodiscard]] static const std::vector<Op>& all();
+    // One of them; `strict`: where every step is compared, those of negative weight don't stand.
     [[nodiscard]] const Op& pick(bool strict) {
         const auto& ops = all();
         for (;;) {
@@ -101,8 +102,6 @@ class SessionOps {
         if (!seen_.empty() && chance(70)) return seen_[below(seen_.size())];
         return whole(-3, 10000);
     }
-    // For operations that make the layer the active one, which no record undoes.
-    std::int32_t filledLayer() { return wild_ ? layer() : -2; }
     std::vector<std::int32_t> layers() {
         std::vector<std::int32_t> ids(below(5));
         for (std::int32_t& id : ids) id = layer();
@@ -124,6 +123,7 @@ class SessionOps {
     void saw(std::int32_t id) {
         if (id >= 0) seen_.push_back(id);
     }
+    void madeShape(std::int32_t id) { shapes_.push_back(id); }
     HostShape shape() {
         std::vector<PolylineCurve::Place> places;
         for (int n = between(wild_ ? 0 : 2, 6); n > 0; --n)
@@ -170,415 +170,16 @@ class SessionOps {
     PaintManager& m;
 
   private:
-    friend struct OpTable;
     std::mt19937 random_;
     bool wild_;
     std::vector<std::int32_t> seen_, shapes_;
     std::deque<std::unique_ptr<PolylineCurve>> curves_;
 };
 
-inline void SessionOps::newBrush() {
-    BrushParameters brush = BrushParameters::defaults();
-    brush.radiusLow = number(0, 8);
-    brush.radiusHigh = number(1, 24);
-    brush.opacityLow = number(0, 1);
-    brush.opacityHigh = number(0, 1);
-    brush.hardness = number(0, 1);
-    brush.tipPreset = chance(50) ? BrushParameters::ownHardness : whole(0, 9);
-    brush.markerStrength = number(0, 1);
-    brush.mixRate0 = number(0, 1);
-    brush.mixRate1 = number(0, 1);
-    brush.smearEnabled = chance(10);
-    StrokeParameters stroke;
-    stroke.spacing = number(0.3f, 3.0f);
-    stroke.interpolationKind = whole(0, 3);
-    stroke.brushKind = chance(40) ? 0 : whole(0, 10);
-    stroke.isMarker = chance(10);
-    stroke.airbrush = chance(10);
-    stroke.followDirection = chance(10);
-    if (chance(20)) stroke.radiusJitter = number(0, 20);
-    if (chance(20)) stroke.opacityJitter = number(0, 20);
-    if (chance(10)) stroke.flowJitter = number(0, 20);
-    if (chance(10)) stroke.paintFactor0 = number(0, 1);
-    if (chance(15)) stroke.strokeBufferOpacity = number(0, 1);
-    if (chance(10)) stroke.strokeBufferMode = static_cast<BlendModeId>(whole(0, 20));
-    if (wild_ && chance(10)) stroke.pickupScale = oddFloat();
-    m.setBrush(brush, stroke);
-}
-
-inline const std::vector<SessionOps::Op>& SessionOps::all() {
-    using S = SessionOps;
-    using enum Undo;
-    // A negative weight: not where every step is compared.
-    static const std::vector<Op> ops = {
-        // strokes
-        {"stroke", Recorded, 10,
-         [](S& s) {
-             if (!s.m.beginStroke()) return;
-             s.points(12);
-             if (s.chance(15))
-                 s.m.cancelStroke();
-             else
-                 s.m.endStroke();
-         }},
-        {"strokeLine", Recorded, 6,
-         [](S& s) {
-             s.m.strokeLine(s.coordinate(), s.coordinate(), s.coordinate(), s.coordinate(),
-                            s.number(0, 1));
-         }},
-        {"strokePolyline", Recorded, 3,
-         [](S& s) {
-             std::vector<StrokePointData> points;
-             for (int n = s.between(0, 5); n > 0; --n)
-                 points.emplace_back(s.coordinate(), s.coordinate(), s.number(0, 1));
-             s.m.strokePolyline(points);
-         }},
-        {"beginStroke", Recorded, -3, [](S& s) { s.m.beginStroke(); }},
-        {"points", Nothing, -6, [](S& s) { s.points(6); }},
-        {"addPoints", Nothing, 2,
-         [](S& s) {
-             const StrokeInputPoint points[] = {s.penPoint(), s.penPoint()};
-             s.m.addPoints(points);
-         }},
-        {"endStroke", Recorded, 3, [](S& s) { s.m.endStroke(); }},
-        {"cancelStroke", Nothing, 2, [](S& s) { s.m.cancelStroke(); }},
-        // brush
-        {"setColor", Nothing, 6, [](S& s) { s.m.setColor(s.color()); }},
-        {"setBrush", Nothing, 8, [](S& s) { s.newBrush(); }},
-        {"setStrokeMode", Nothing, 4,
-         [](S& s) { s.m.setStrokeMode(s.chance(70) ? 0 : s.whole(0, 9)); }},
-        {"setBrushBlend", Nothing, 3,
-         [](S& s) { s.m.setBrushBlend(s.chance(60) ? 0 : s.whole(0, 30), s.number(0, 1)); }},
-        {"setBrushTexture", Nothing, 2,
-         [](S& s) {
-             const auto paper = makeRef<BrushTextureParameters>();
-             const ImageRef grain = s.picture(1);
-             paper->image = Ref<ilImage>(grain.image());
-             paper->setRandomOffset(s.chance(50));
-             s.m.setBrushTexture(s.chance(50) ? paper : Ref<BrushTextureParameters>());
-         }},
-        {"setStamp", Nothing, 2,
-         [](S& s) { s.m.setStamp(s.chance(60) ? ImageRef() : s.picture(4)); }},
-        {"setCloneSource", Nothing, 2,
-         [](S& s) {
-             s.m.setCloneSource(s.chance(70) ? -1 : s.layer(), s.coordinate(), s.coordinate());
-         }},
-        {"setJitter", Nothing, 2,
-         [](S& s) {
-             s.m.setColorJitter(s.chance(50), s.number(0, 100), s.number(0, 100),
-                                s.number(0, 100));
-         }},
-        {"setSymmetry", Nothing, 2,
-         [](S& s) {
-             const auto symmetry = makeRef<Symmetry>();
-             symmetry->setCenter(s.coordinate(), s.coordinate());
-             symmetry->setMirrorX(s.chance(50));
-             symmetry->setRadial(s.chance(50));
-             symmetry->setSectorCount(s.whole(1, 6));
-             s.m.setSymmetry(s.chance(60) ? Ref<Symmetry>() : symmetry);
-         }},
-        {"modalBrushes", Nothing, 2,
-         [](S& s) {
-             s.m.setTextureBrush(s.chance(30));
-             s.m.setPatternBrush(s.chance(30));
-         }},
-        {"setDisplayUpdates", Nothing, 2, [](S& s) { s.m.setDisplayUpdates(s.chance(70)); }},
-        // layers
-        {"newLayer", Recorded, 6,
-         [](S& s) {
-             if (s.m.layerCount() > 9) return;
-             s.saw(s.m.newLayer(s.whole(-2, 8), s.whole(0, 2), s.between(-50, 50),
-                                s.between(-50, 50), s.chance(70), true));
-         }},
-        {"newLayerBare", Bare, 1,
-         [](S& s) {
-             if (s.m.layerCount() > 9) return;
-             s.saw(s.m.newLayer(s.whole(-2, 8), 0, 0, 0, true, false));
-         }},
-        {"newImageLayer", Recorded, 3,
-         [](S& s) {
-             if (s.m.layerCount() > 9) return;
-             s.saw(s.m.newImageLayer(s.picture(s.chance(80) ? 4 : 1), s.whole(-50, 50),
-                                     s.whole(-50, 50)));
-         }},
-        {"newMaskLayer", Recorded, 2,
-         [](S& s) {
-             if (s.m.layerCount() > 9) return;
-             s.saw(s.m.newMaskLayer(s.chance(50)));
-         }},
-        {"newShapeLayer", Recorded, 1,
-         [](S& s) {
-             if (s.m.layerCount() > 9) return;
-             s.saw(s.m.newShapeLayer(s.whole(-2, 8), s.whole(0, 3)));
-         }},
-        {"newGroup", Recorded, 2,
-         [](S& s) {
-             if (s.m.layerCount() > 9) return;
-             s.saw(s.m.newGroup(u"G", s.whole(-2, 8)));
-         }},
-        {"deleteLayer", Recorded, 3, [](S& s) { s.m.deleteLayer(s.layer()); }},
-        {"deleteLayers", Recorded, 3,
-         [](S& s) { s.m.deleteLayers(s.layers(), s.chance(20)); }},
-        {"clearLayers", Recorded, 1,
-         [](S& s) {
-             if (s.chance(20)) s.m.clearLayers(s.canvas());
-         }},
-        {"flattenAll", Recorded, 1,
-         [](S& s) {
-             if (s.chance(30)) s.m.flattenAll(s.canvas(), s.chance(50));
-         }},
-        {"mergeVisible", Recorded, 1,
-         [](S& s) {
-             if (s.chance(40)) s.m.mergeVisible(s.chance(20));
-         }},
-        {"mergeDown", Recorded, 3, [](S& s) { s.m.mergeDown(s.layer()); }},
-        {"flattenGroup", Recorded, 1, [](S& s) { s.m.flattenGroup(s.layer(), s.chance(20)); }},
-        {"setActiveLayer", Bare, 6, [](S& s) { s.m.setActiveLayer(s.layer()); }},
-        {"nextUp", Bare, 3, [](S& s) { s.m.nextUp(); }},
-        {"nextDown", Bare, 3, [](S& s) { s.m.nextDown(); }},
-        {"moveLayers", Recorded, 3,
-         [](S& s) {
-             s.m.moveLayers(s.layers(), s.whole(-2, 8), s.chance(60) ? -1 : s.layer(),
-                            s.chance(10));
-         }},
-        {"makeGroupFrom", Recorded, 2, [](S& s) { s.saw(s.m.makeGroupFrom(s.layers())); }},
-        {"ungroup", Recorded, 2, [](S& s) { s.m.ungroup(s.layers(), s.chance(30)); }},
-        {"duplicateLayer", Recorded, 2,
-         [](S& s) {
-             if (s.m.layerCount() < 10) s.saw(s.m.duplicateLayer());
-         }},
-        {"duplicateLayers", Recorded, 1,
-         [](S& s) {
-             std::vector<std::int32_t> made;
-             if (s.m.layerCount() < 8) s.m.duplicateLayers(s.layers(), made);
-             for (const std::int32_t id : made) s.saw(id);
-         }},
-        // attributes
-        {"setVisible", Bare, 3, [](S& s) { s.m.setVisible(s.layer(), s.chance(75)); }},
-        {"setOpacity", Bare, 3, [](S& s) { s.m.setOpacity(s.layer(), s.number(0, 1)); }},
-        {"setBlendMode", Bare, 3,
-         [](S& s) {
-             s.m.setBlendMode(s.layer(), s.chance(20) ? 0xffff : s.whole(0, 30));
-         }},
-        {"setLocked", Bare, 2, [](S& s) { s.m.setLocked(s.layer(), s.chance(20)); }},
-        {"setName", Bare, 2, [](S& s) { s.m.setName(s.layer(), u"Name"); }},
-        {"setPosition", Recorded, 4,
-         [](S& s) {
-             s.m.setPosition(s.layer(), std::trunc(s.coordinate()), std::trunc(s.coordinate()),
-                             true, s.chance(50));
-         }},
-        {"setPositionBare", Bare, 3,
-         [](S& s) { s.m.setPosition(s.layer(), s.coordinate(), s.coordinate()); }},
-        {"setLabelColor", Bare, 1,
-         [](S& s) { s.m.setLabelColor(s.layer(), static_cast<std::uint32_t>(s.whole(0, 9))); }},
-        {"setEnabled", Bare, 2, [](S& s) { s.m.setEnabled(s.layer(), s.chance(70)); }},
-        {"setStencilActive", Bare, 2,
-         [](S& s) { s.m.setStencilActive(s.layer(), s.chance(70)); }},
-        {"setLockAlpha", Nothing, 2, [](S& s) { s.m.setLockAlpha(s.chance(20)); }},
-        {"setExpanded", Bare, 1, [](S& s) { s.m.setExpanded(s.layer(), s.chance(50)); }},
-        {"setBackground", Bare, 1, [](S& s) { s.m.setBackground(s.color(), s.canvas()); }},
-        {"setMaskColor", Bare, 1,
-         [](S& s) {
-             s.m.setMaskColor(s.color());
-             s.m.setMaskOpacity(s.number(0, 1));
-         }},
-        {"setThumbnailSize", Nothing, 1,
-         [](S& s) { s.m.setThumbnailSize(s.layer(), s.whole(-5, 80), s.whole(-5, 80)); }},
-        // pixels
-        {"clearLayer", Recorded, 2, [](S& s) { s.m.clearLayer(s.chance(80)); }},
-        {"fillLayer", Recorded, 2, [](S& s) { s.m.fillLayer(s.color()); }},
-        {"fillWithImage", Recorded, 2,
-         [](S& s) { s.m.fillWithImage(s.picture(s.chance(85) ? 4 : 1)); }},
-        {"clearRegion", Recorded, 2, [](S& s) { s.m.clearRegion(s.box(), s.layer()); }},
-        {"invertMask", Recorded, 2, [](S& s) { s.m.invertMask(s.layer()); }},
-        {"flipLayer", Recorded, 2,
-         [](S& s) { s.m.flipLayer(s.chance(60), s.chance(60), s.layer(), s.chance(50)); }},
-        {"rotateLayer", Recorded, 2, [](S& s) { s.m.rotateLayer(s.chance(50), s.layer()); }},
-        {"flipCanvas", Recorded, 1, [](S& s) { s.m.flipCanvas(s.chance(60), s.chance(60)); }},
-        {"rotateCanvas", Recorded, -1, [](S& s) { s.m.rotateCanvas(s.chance(50)); }},
-        {"applyConvolve", Recorded, 2,
-         [](S& s) {
-             PixelFamily::ConvolveParams params;
-             params.strength = s.number(0, 10);
-             params.detail = s.number(0, 3);
-             params.radius = s.number(0, 5);
-             params.sharpen = s.chance(50);
-             s.m.applyConvolve(params, s.layer());
-         }},
-        {"shrinkWrap", Recorded, 1,
-         [](S& s) { s.m.shrinkWrap(s.color(), s.number(0, 4), s.number(0, 1)); }},
-        // transforms
-        {"transform", Recorded, 4,
-         [](S& s) {
-             if (!s.m.beginTransform(s.layers(), s.whole(0, 1), s.whole(0, 1))) return;
-             for (int n = s.between(0, 3); n > 0; --n) s.transformStep();
-             s.m.endTransform(s.chance(70));
-         }},
-        {"beginTransform", Recorded, -3,
-         [](S& s) { s.m.beginTransform(s.layers(), s.whole(0, 2), s.whole(0, 2)); }},
-        {"updateTransform", Nothing, -4, [](S& s) { s.transformStep(); }},
-        {"endTransform", Nothing, 2, [](S& s) { s.m.endTransform(s.chance(70)); }},
-        {"newTemporaryLayer", Recorded, 1,
-         [](S& s) {
-             if (s.m.layerCount() < 10) s.saw(s.m.newTemporaryLayer());
-         }},
-        // selection
-        {"selectAll", Recorded, 1, [](S& s) { s.m.selectAll(); }},
-        {"selectNone", Recorded, 5, [](S& s) { s.m.selectNone(); }},
-        {"invertSelection", Recorded, 1, [](S& s) { s.m.invertSelection(); }},
-        {"selectRegion", Recorded, 3, [](S& s) { s.m.selectRegion(s.box(), s.whole(0, 3)); }},
-        {"selectMask", Recorded, 2,
-         [](S& s) { s.m.selectMask(s.picture(1), s.coordinate(), s.coordinate(), s.whole(0, 2)); }},
-        {"selectFromLayer", Recorded, 2,
-         [](S& s) { s.m.selectFromLayer(s.layer(), s.whole(0, 2)); }},
-        {"selectPolygon", Recorded, 2,
-         [](S& s) {
-             std::vector<float> points;
-             for (int n = s.between(0, 11); n > 0; --n) points.push_back(s.coordinate());
-             s.m.selectPolygon(points, s.whole(0, 2));
-         }},
-        {"loadMaskImage", Recorded, 1,
-         [](S& s) { s.m.loadMaskImage(s.picture(1), s.coordinate(), s.coordinate()); }},
-        {"moveSelection", Recorded, 2,
-         [](S& s) {
-             s.m.moveSelection(std::trunc(s.coordinate()), std::trunc(s.coordinate()));
-         }},
-        {"makeSelectionActive", Bare, 1, [](S& s) { s.m.makeSelectionActive(); }},
-        {"setSelectionColor", Bare, 1,
-         [](S& s) { s.m.setSelectionColor(s.color(), s.number(0, 1)); }},
-        // fills
-        {"floodFill", Recorded, 3,
-         [](S& s) {
-             s.m.floodFill(s.coordinate(), s.coordinate(), s.color(), s.number(0, 1), s.filledLayer(),
-                           s.canvas());
-             if (s.chance(30)) s.m.continueFill(s.number(0, 1));
-             s.m.endFill();
-         }},
-        {"openFill", Recorded, -2,
-         [](S& s) {
-             s.m.floodFill(s.coordinate(), s.coordinate(), s.color(), s.number(0, 1), s.layer(),
-                           s.canvas());
-         }},
-        {"continueFill", Nothing, -2, [](S& s) { s.m.continueFill(s.number(0, 1)); }},
-        {"endFill", Nothing, 1, [](S& s) { s.m.endFill(); }},
-        {"magicWand", Recorded, 2,
-         [](S& s) {
-             s.m.magicWand(s.coordinate(), s.coordinate(), s.number(0, 1), s.chance(50),
-                           s.layer(), s.chance(50));
-         }},
-        {"sampleFill", Nothing, 1,
-         [](S& s) {
-             std::uint32_t pixel = 0;
-             s.m.sampleFill(s.coordinate(), s.coordinate(), &pixel, s.layer());
-         }},
-        {"fillGradient", Recorded, 1,
-         [](S& s) {
-             FillFamily::Gradient gradient;
-             gradient.fromX = s.coordinate();
-             gradient.toX = s.coordinate();
-             gradient.toY = s.coordinate();
-             gradient.fromColor = s.color();
-             gradient.radial = s.chance(40);
-             s.m.fillGradient(gradient, s.layer());
-         }},
-        // shapes
-        {"addShape", Recorded, 3,
-         [](S& s) {
-             const auto parms = makeRef<ShapeImageParms>();
-             parms->fillColor = s.color();
-             parms->strokeActive = s.chance(40);
-             parms->stroke.width = s.number(1, 20);
-             const std::int32_t id = s.m.addShape(s.whole(0, 3), s.shape(), parms);
-             if (id >= 0) s.shapes_.push_back(id);
-         }},
-        {"deleteShape", Recorded, 2, [](S& s) { s.m.deleteShape(s.shapeId()); }},
-        {"deleteShapes", Recorded, 1,
-         [](S& s) {
-             const std::int32_t ids[] = {s.shapeId(), s.shapeId(), s.shapeId()};
-             s.m.deleteShapes(ids);
-         }},
-        {"moveShape", Bare, -1,
-         [](S& s) { s.m.moveShape(s.shapeId(), s.number(-9, 9), s.number(-9, 9)); }},
-        {"shapeChanged", Nothing, 1, [](S& s) { s.m.shapeChanged(s.shapeId()); }},
-        // adjustments
-        {"colorAdjust", Recorded, 2,
-         [](S& s) {
-             ColorAdjustParm parm;
-             parm.reset(s.whole(0, 7));
-             parm.hue = {s.number(0, 360), s.number(-180, 180)};
-             parm.toneBrightness = {s.number(0, 2), s.number(0, 2), s.number(0, 2)};
-             s.m.colorAdjust(s.chance(90) ? ImageRef() : s.picture(4), parm);
-         }},
-        // canvases
-        {"setCurrentCanvas", Nothing, 2, [](S& s) { s.m.setCurrentCanvas(s.canvas()); }},
-        {"newCanvas", Bare, -1,
-         [](S& s) {
-             if (s.m.canvasCount() < 4) s.m.newCanvas(s.whole(1, 260), s.whole(1, 200));
-         }},
-        {"duplicateCanvas", Bare, -1,
-         [](S& s) {
-             if (s.m.canvasCount() < 4) s.m.duplicateCanvas(s.canvas());
-         }},
-        {"closeCanvas", Bare, -1, [](S& s) { s.m.closeCanvas(s.canvas()); }},
-        {"scaleCanvas", Recorded, -1,
-         [](S& s) {
-             const ilTile box = s.m.canvasBounds(-2);
-             const float scale = s.number(0.4f, 1.6f);
-             if (static_cast<float>(box.nx) * scale < 500) s.m.scaleCanvas(-2, scale, s.whole(0, 2));
-         }},
-        {"setCanvasSize", Bare, -1,
-         [](S& s) { s.m.setCanvasSize(s.canvas(), s.between(-3, 260), s.between(-3, 200)); }},
-        {"setView", Nothing, -1,
-         [](S& s) {
-             TransformRecord view;
-             view.x = s.number(-50, 50);
-             view.scaleX = view.scaleY = s.number(0.25f, 3.0f);
-             view.rotation = s.number(0, 90);
-             s.m.setView(s.canvas(), view);
-         }},
-        {"present", Nothing, 2, [](S& s) { s.m.present(s.canvas()); }},
-        {"refreshDisplay", Nothing, 1, [](S& s) { s.m.refreshDisplay(s.canvas()); }},
-        // questions
-        {"questions", Nothing, 4,
-         [](S& s) {
-             ilTile box;
-             float x = s.coordinate();
-             float y = s.coordinate();
-             std::uint32_t pixel = 0;
-             s.m.viewToLayer(&x, &y, s.layer());
-             s.m.layerToView(&x, &y, s.layer());
-             static_cast<void>(s.m.layerBounds(s.layer(), box));
-             s.m.selectionBounds(box);
-             static_cast<void>(s.m.thumbnail(s.layer()));
-             static_cast<void>(s.m.pickLayer(s.coordinate(), s.coordinate(), s.number(0, 1)));
-             static_cast<void>(s.m.groupChild(s.layer(), s.whole(-1, 5)));
-             static_cast<void>(s.m.groupDepth(s.layer()));
-             static_cast<void>(s.m.maxGroupDepth(s.layer()));
-             static_cast<void>(s.m.canMergeDown(s.layer()));
-             static_cast<void>(s.m.layerIdAt(s.whole(-3, 9), s.chance(50), s.canvas()));
-             s.m.layerPixel(s.layer(), s.whole(-9, 300), s.whole(-9, 300), &pixel);
-             s.m.canvasPixel(s.whole(-9, 300), s.whole(-9, 300), &pixel);
-             s.m.dump();
-         }},
-        // undo
-        {"undoSwitches", Nothing, -1,
-         [](S& s) {
-             s.m.lockUndo(s.chance(10));
-             s.m.setUndoEnabled(s.chance(90));
-         }},
-        {"clearUndo", Nothing, -1,
-         [](S& s) {
-             if (s.chance(10)) s.m.clearUndo();
-         }},
-        {"snapshotAndClear", Nothing, -1,
-         [](S& s) {
-             if (s.chance(10)) s.m.snapshotAndClear(s.between(-1, 3));
-         }},
-        {"noteStackSwitch", Nothing, -1, [](S& s) { s.m.noteStackSwitch(s.whole(-2, 4)); }},
-        {"recordCanvas", Nothing, 1, [](S& s) { s.m.recordCanvas(s.canvas()); }},
-        {"ring", Nothing, 4, [](S& s) { s.host_.ring(); }},
-    };
-    return ops;
-}
+[[nodiscard]] std::vector<SessionOps::Op> paintingOps();
+[[nodiscard]] std::vector<SessionOps::Op> layersOps();
+[[nodiscard]] std::vector<SessionOps::Op> pixelsOps();
+[[nodiscard]] std::vector<SessionOps::Op> outlinesOps();
+[[nodiscard]] std::vector<SessionOps::Op> canvasesOps();
 
 }  // namespace brushwork::test

@@ -178,6 +178,72 @@ TEST_F(StrokeFacade, HooksRunOnceAndJitterGivesTheColorBack) {
     EXPECT_EQ(ended, 2);
 }
 
+// Three by three red at each point, until the screen is drawn anew; never in the picture.
+TEST_F(StrokeFacade, PointsAreMarkedOnTheScreenAlone) {
+    constexpr std::uint32_t red = 0xff0000ffu;
+    host_.debugLevel = 0x1f41;
+    manager_.setColor({0.0f, 0.0f, 0.0f, 1.0f});
+    manager_.beginStroke();
+    drag(20, 40, 100, 40);
+    const auto shown = [&](std::int32_t x, std::int32_t y) {
+        std::uint32_t value = 0;
+        manager_.canvasPixel(x, y, &value);
+        return value;
+    };
+    manager_.endStroke();
+    for (const std::int32_t x : {20, 30, 100}) {
+        EXPECT_EQ(shown(x + 1, 41), red);
+        EXPECT_EQ(shown(x - 1, 39), red);
+        EXPECT_NE(shown(x + 2, 40), red);
+        EXPECT_EQ(pixel(x, 40) & 0xffu, 0u);
+    }
+    host_.debugLevel = 0;
+    manager_.refreshDisplay(-2);
+    EXPECT_NE(shown(30, 40), red);
+}
+
+// Green over red on the left and blue on the right.
+TEST_F(StrokeFacade, SmudgesCarryAndMarkersTintWhatIsThere) {
+    ImageRef halves = ImageRef::make(4);
+    halves.fill(flatTile(0, 0, 100, 150), 0xff0000ff);
+    halves.fill(flatTile(100, 0, 100, 150), 0xffff0000);
+    manager_.fillWithImage(halves);
+    manager_.setColor({0.0f, 1.0f, 0.0f, 1.0f});
+    const std::string before = imageText(manager_.layerImage(layer_));
+    struct Color {
+        std::uint32_t red, green, blue;
+    };
+    const auto at = [&](std::int32_t x) {
+        const std::uint32_t value = pixel(x, 75);
+        return Color{value & 0xff, value >> 8 & 0xff, value >> 16 & 0xff};
+    };
+    const auto stroke = [&](int kind, const auto& look) {
+        StrokeParameters medium;
+        medium.brushKind = kind;
+        BrushParameters tip = brush();
+        tip.markerStrength = 1.0f;
+        manager_.setBrush(tip, medium);
+        manager_.beginStroke();
+        drag(60, 75, 150, 75);
+        manager_.endStroke();
+        look();
+        EXPECT_EQ(pixel(80, 20), 0xff0000ffu);
+        host_.records().back()->undo(nullptr);
+        EXPECT_EQ(imageText(manager_.layerImage(layer_)), before);
+    };
+    stroke(1, [&] {
+        EXPECT_LT(at(80).red, 128u) << "a marker lets through what both have";
+        EXPECT_LT(at(80).green, 8u);
+        EXPECT_LT(at(115).blue, 128u);
+    });
+    stroke(2, [&] {
+        EXPECT_GT(at(115).red, 200u) << "a smudge takes along what lies where it began";
+        EXPECT_GT(at(140).blue, at(115).blue + 50) << "and runs dry";
+        EXPECT_LT(at(80).green + at(115).green, 8u);
+    });
+    stroke(3, [&] { EXPECT_GT(at(80).green, 200u) << "or begins with the brush's colour"; });
+}
+
 TEST_F(StrokeFacade, UndoOffMakesNoRecord) {
     manager_.lockUndo(true);
     manager_.strokeLine(10, 10, 90, 90);

@@ -3,9 +3,11 @@
 #include <string>
 #include <vector>
 
+#include "brushwork/host_call_table.h"
 #include "brushwork/pnt_undo_database.h"
 #include "foundation/services/log.h"
 #include "image/smart/il_smart_image.h"
+#include "image/work/il_memory_img.h"
 #include "undo/pnt_undo_combo.h"
 #include "undo/pnt_undo_layer_stack.h"
 #include "undo/pnt_undo_stroke.h"
@@ -208,6 +210,45 @@ TEST_F(StrokeRecords, ABrokenChainIsToldAndRepaired) {
     EXPECT_EQ(pixel(1), 0u);
     a->redo(nullptr);
     EXPECT_EQ(pixel(1), 0u);
+}
+
+// An image that isn't smart leaves a child over nothing, which can't be folded.
+TEST_F(StrokeRecords, AMissingGroundIsTold) {
+    layer().setColorImage(
+        Ref<ilMemoryImg>(new ilMemoryImg(64, 64, 1, 4, TypeUChar, OrderInterleaved)).get());
+    const auto a = edit(1, 0xff0000ff);
+    EXPECT_EQ(a->refColor(), nullptr);
+    const auto b = edit(2, 0xff00ff00);
+    EXPECT_EQ(b->newColor()->source(), a->newColor());
+    a->archive(database_);
+    EXPECT_EQ(logged_, (Story{"Invalid ilImage (missing seed image)\n",
+                              "Brushwork:Undo:Can't collapse seed image!\n"}));
+}
+
+// A host's developer sees records come, fold and go, by their handles.
+TEST_F(StrokeRecords, LogsTellOfThemAtTheirLevel) {
+    hostCallTable().debugLevel = [] { return std::int32_t{0x2016}; };
+    std::string handles[2];
+    {
+        const auto a = edit(1, 0xff0000ff);
+        const auto b = edit(2, 0xff00ff00);
+        handles[0] = std::to_string(a->undoHandle());
+        handles[1] = std::to_string(b->undoHandle());
+    }
+    database_.retireOldest();
+    clearHostCallTable();
+    const auto starts = [&](std::size_t line, const std::string& text) {
+        ASSERT_LT(line, logged_.size());
+        EXPECT_EQ(logged_[line].substr(0, text.size()), text);
+    };
+    const std::string rule = "\n ================================== \nnew PntUndoStroke[";
+    ASSERT_EQ(logged_.size(), 5u);
+    starts(0, rule + handles[0] + "] refImage[");
+    starts(1, rule + handles[1] + "] refImage[");
+    starts(2, "Brushwork:Undo:   Archiving undoHandle[" + handles[0] + "] nextUH[" + handles[1] +
+                  "], child[");
+    starts(3, "Archive[" + handles[0] + "] newImage[");
+    starts(4, "~PntUndoStroke[" + handles[0] + "] newImage[");
 }
 
 TEST_F(StrokeRecords, OffsetsComeBackWhole) {
