@@ -23,7 +23,7 @@ Problem walk(JournalSession& session, const Operation& op, std::size_t levels, s
     bool redraw = false;
     for (std::size_t n = 0; n < wanted; ++n) redraw = step().redraw || redraw;
     count += wanted;
-    if (redraw) session.paint.refreshDisplay(activeOne);
+    if (redraw) session.paint.present(activeOne);
     return std::nullopt;
 }
 

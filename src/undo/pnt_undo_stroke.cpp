@@ -1,5 +1,7 @@
 #include "undo/pnt_undo_stroke.h"
 
+#include <optional>
+
 #include "document/layer/document_switches.h"
 #include "document/stack/stack_invalidate.h"
 #include "document/stack/stack_paint_mask.h"
@@ -8,6 +10,7 @@
 #include "foundation/services/log.h"
 #include "undo/canvas_redraw.h"
 #include "undo/chain_collapse.h"
+#include "undo/changed_pages.h"
 
 namespace brushwork {
 namespace {
@@ -22,6 +25,24 @@ bool restsOn(ilSmartImage* image, const ilSmartImage* ground) {
     for (; image; image = ilSmartImage::from(image->source()))
         if (image == ground) return true;
     return false;
+}
+
+// What the layer shows otherwise with those images, in its pixels. Nothing: all of it may.
+std::optional<ilTile> changeOf(Layer& shown, ilImage* color, ilImage* stencil, std::int32_t x,
+                               std::int32_t y) {
+    float atX = 0.0f;
+    float atY = 0.0f;
+    shown.offset(&atX, &atY);
+    // Masks and the selection tell on other layers.
+    if (shown.role() != LayerRole::Paint || shown.inTransform() || atX != static_cast<float>(x) ||
+        atY != static_cast<float>(y))
+        return std::nullopt;
+    const std::optional<ilTile> inColor = changedBox(shown.smartColor(), ilSmartImage::from(color));
+    if (!inColor) return std::nullopt;
+    const std::optional<ilTile> inStencil =
+        changedBox(shown.smartStencil(), ilSmartImage::from(stencil));
+    if (!inStencil) return std::nullopt;
+    return unionOf(*inColor, *inStencil);
 }
 
 const void* place(const ilSmartImage* image) {
@@ -69,6 +90,8 @@ bool PntUndoStroke::swapIn(ilImage* color, ilImage* stencil, std::int32_t x, std
     LayerStack* const live = canvases().stackAt(canvasIndex());
     Layer* const shown = layer();
     if (!live || live != stack() || !shown) return false;
+    const std::optional<ilTile> changed =
+        swap == Swap::Back ? changeOf(*shown, color, stencil, x, y) : std::nullopt;
     shown->setColorImage(color);
     shown->setStencilImage(stencil);
     if (shown == live->activeLayer()) live->paintOps();
@@ -76,14 +99,17 @@ bool PntUndoStroke::swapIn(ilImage* color, ilImage* stencil, std::int32_t x, std
     canvases().scheduleIdle();
     if (swap == Swap::Back) {
         shown->propagateChange(true);
-        stack::staleSide(live->parts(), *shown);
+        if (!changed) stack::staleSide(live->parts(), *shown);
         if (shown == live->selectionLayer()) {
             stack::selectionChanged(live->parts());
         } else if (shown->role() != LayerRole::Paint) {
             shown->markClipDirty(true);
             live->rebuildPaintMask();
         }
-        live->invalidateRect(live->canvasBounds());
+        if (!changed)
+            live->invalidateRect(live->canvasBounds());
+        else if (!changed->isEmpty())
+            live->accumulateDirty(*changed, *shown);
     }
     live->noteChange(shown);
     return true;

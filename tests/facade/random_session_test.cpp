@@ -37,12 +37,13 @@ struct Level {
     std::vector<Ref<PntUndoOper>> records;
     DocumentState before, after;
 
-    void undo() const {
+    // With the flag what is shown follows at the next present.
+    void undo(bool* defer) const {
         for (auto record = records.rbegin(); record != records.rend(); ++record)
-            (*record)->undo(nullptr);
+            (*record)->undo(defer);
     }
-    void redo() const {
-        for (const Ref<PntUndoOper>& record : records) record->redo(nullptr);
+    void redo(bool* defer) const {
+        for (const Ref<PntUndoOper>& record : records) record->redo(defer);
     }
 };
 
@@ -121,7 +122,7 @@ class StrictSession {
         for (; times > 0 && done_ > 0 && !testing::Test::HasFatalFailure(); --times) {
             const Level& level = levels_[--done_];
             if (tells()) std::fprintf(stderr, "undo %s\n", level.name.c_str());
-            level.undo();
+            level.undo(ops_.chance(50) ? &deferred_ : nullptr);
             shown_ = level.before;
             expect(shown_, "undo of " + level.name);
         }
@@ -130,7 +131,7 @@ class StrictSession {
         for (; times > 0 && done_ < levels_.size() && !testing::Test::HasFatalFailure(); --times) {
             const Level& level = levels_[done_++];
             if (tells()) std::fprintf(stderr, "redo %s\n", level.name.c_str());
-            level.redo();
+            level.redo(ops_.chance(50) ? &deferred_ : nullptr);
             shown_ = level.after;
             expect(shown_, "redo of " + level.name);
         }
@@ -151,6 +152,7 @@ class StrictSession {
     SessionOps ops_;
     std::vector<Level> levels_;
     std::size_t done_ = 0;
+    bool deferred_ = false;
     DocumentState shown_;
     std::uint32_t seed_, step_ = 0, edits_ = 0;
 };
