@@ -19,7 +19,7 @@ constexpr std::int64_t muchWork = 32768;
 constexpr std::int64_t someWork = 8192;
 // What a thread takes at a time: a sixteenth of a box, within bounds.
 constexpr std::int64_t sharesPerBox = 16;
-constexpr std::int64_t leastShare = 2048, largestShare = 32768;
+constexpr std::int64_t leastShare = 4096, largestShare = 32768;
 
 // No vector holds more pixels.
 constexpr std::int64_t vectorPixels = 8;
