@@ -75,8 +75,10 @@ class BRUSHWORK_API AnimationManager {
     [[nodiscard]] std::uint32_t currentFrame() const;
     // The highest number in use, holds included.
     [[nodiscard]] std::uint32_t lastFrame() const;
-    // How long the last frame holds: never below where it starts. Without a record.
-    bool setLastFrame(std::uint32_t number);
+    // How long the last frame holds: never below where it starts.
+    bool setLastFrame(std::uint32_t number, bool undo = true);
+    // A frame in the list or in a record has the canvas: a host leaves it open.
+    [[nodiscard]] bool holdsCanvas(std::int32_t canvas) const;
 
     // Borrowed until removed.
     void addListener(FrameListener& listener);

@@ -4,13 +4,12 @@
 
 namespace brushwork {
 
-AnimFrameDeleteUndoOper::AnimFrameDeleteUndoOper(
-    std::weak_ptr<FrameTimeline> timeline, CanvasLayer before, CanvasLayer after,
-    FrameListSnapshot oldFrames, FrameListSnapshot newFrames, std::vector<std::uint32_t> changedOld,
-    std::vector<std::uint32_t> changedNew, const Ref<AnimFrame>& removed)
-    : AnimUndoOper(std::move(timeline), before, after),
-      oldFrames_(std::move(oldFrames)),
-      newFrames_(std::move(newFrames)),
+AnimFrameDeleteUndoOper::AnimFrameDeleteUndoOper(std::weak_ptr<FrameTimeline> timeline,
+                                                 FrameListChange change,
+                                                 std::vector<std::uint32_t> changedOld,
+                                                 std::vector<std::uint32_t> changedNew,
+                                                 const Ref<AnimFrame>& removed)
+    : AnimListUndoOper(std::move(timeline), std::move(change), {}),
       changedOld_(std::move(changedOld)),
       changedNew_(std::move(changedNew)),
       removed_(removed) {}
@@ -22,19 +21,13 @@ std::size_t AnimFrameDeleteUndoOper::objectSize() const {
 }
 
 void AnimFrameDeleteUndoOper::undo(bool* deferRedraw) {
-    run(deferRedraw, [this](FrameTimeline& line) {
-        if (removed_) removed_->canvas()->setDeleted(false);
-        line.restoreFrames(oldFrames_, before().canvas, before().layer, changedOld_, {});
-        wasUndone_ = true;
-    });
+    if (removed_) removed_->canvas()->setDeleted(false);
+    put(Way::Undo, changedOld_, {}, deferRedraw);
 }
 
 void AnimFrameDeleteUndoOper::redo(bool* deferRedraw) {
-    run(deferRedraw, [this](FrameTimeline& line) {
-        if (removed_) removed_->canvas()->setDeleted(true);
-        line.restoreFrames(newFrames_, after().canvas, after().layer, changedNew_, {});
-        wasUndone_ = false;
-    });
+    if (removed_) removed_->canvas()->setDeleted(true);
+    put(Way::Redo, changedNew_, {}, deferRedraw);
 }
 
 }  // namespace brushwork

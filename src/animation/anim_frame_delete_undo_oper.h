@@ -3,15 +3,14 @@
 
 #include <vector>
 
-#include "animation/anim_undo_oper.h"
+#include "animation/anim_list_undo_oper.h"
 
 namespace brushwork {
 
-class AnimFrameDeleteUndoOper final : public AnimUndoOper {
+class AnimFrameDeleteUndoOper final : public AnimListUndoOper {
   public:
-    AnimFrameDeleteUndoOper(std::weak_ptr<FrameTimeline> timeline, CanvasLayer before,
-                            CanvasLayer after, FrameListSnapshot oldFrames,
-                            FrameListSnapshot newFrames, std::vector<std::uint32_t> changedOld,
+    AnimFrameDeleteUndoOper(std::weak_ptr<FrameTimeline> timeline, FrameListChange change,
+                            std::vector<std::uint32_t> changedOld,
                             std::vector<std::uint32_t> changedNew, const Ref<AnimFrame>& removed);
 
   protected:
@@ -21,12 +20,9 @@ class AnimFrameDeleteUndoOper final : public AnimUndoOper {
     void undo(bool* deferRedraw) override;
     void redo(bool* deferRedraw) override;
     [[nodiscard]] std::size_t objectSize() const override;
-    [[nodiscard]] bool wasUndone() const { return wasUndone_; }
 
   private:
-    FrameListSnapshot oldFrames_, newFrames_;
     std::vector<std::uint32_t> changedOld_, changedNew_;
-    bool wasUndone_ = false;
     Ref<AnimFrame> removed_;  // null: a number of a hold was taken out
 };
 

@@ -3,16 +3,11 @@
 namespace brushwork {
 
 AnimFrameDuplicateUndoOper::AnimFrameDuplicateUndoOper(std::weak_ptr<FrameTimeline> timeline,
-                                                       CanvasLayer before, CanvasLayer after,
-                                                       FrameListSnapshot oldFrames,
-                                                       FrameListSnapshot newFrames,
+                                                       FrameListChange change,
                                                        std::vector<std::uint32_t> changed,
                                                        const Ref<AnimFrame>& frame)
-    : AnimUndoOper(std::move(timeline), before, after),
-      oldFrames_(std::move(oldFrames)),
-      newFrames_(std::move(newFrames)),
-      changed_(std::move(changed)),
-      frame_(frame) {}
+    : AnimListUndoOper(std::move(timeline), std::move(change), frame),
+      changed_(std::move(changed)) {}
 
 AnimFrameDuplicateUndoOper::~AnimFrameDuplicateUndoOper() = default;
 
@@ -20,22 +15,12 @@ std::size_t AnimFrameDuplicateUndoOper::objectSize() const {
     return sizeof(AnimFrameDuplicateUndoOper) + extraSize();
 }
 
-std::int32_t AnimFrameDuplicateUndoOper::animDescribe() const {
-    return frame_ ? frame_->id() : 0;
-}
-
 void AnimFrameDuplicateUndoOper::undo(bool* deferRedraw) {
-    run(deferRedraw, [this](FrameTimeline& line) {
-        line.restoreFrames(oldFrames_, before().canvas, before().layer, changed_, {&frame_, 1});
-        wasUndone_ = true;
-    });
+    put(Way::Undo, changed_, {&frame(), 1}, deferRedraw);
 }
 
 void AnimFrameDuplicateUndoOper::redo(bool* deferRedraw) {
-    run(deferRedraw, [this](FrameTimeline& line) {
-        line.restoreFrames(newFrames_, after().canvas, after().layer, changed_, {&frame_, 1});
-        wasUndone_ = false;
-    });
+    put(Way::Redo, changed_, {&frame(), 1}, deferRedraw);
 }
 
 }  // namespace brushwork

@@ -3,16 +3,14 @@
 
 #include <vector>
 
-#include "animation/anim_undo_oper.h"
+#include "animation/anim_list_undo_oper.h"
 
 namespace brushwork {
 
-class AnimFrameDuplicateUndoOper final : public AnimUndoOper {
+class AnimFrameDuplicateUndoOper final : public AnimListUndoOper {
   public:
-    AnimFrameDuplicateUndoOper(std::weak_ptr<FrameTimeline> timeline, CanvasLayer before,
-                               CanvasLayer after, FrameListSnapshot oldFrames,
-                               FrameListSnapshot newFrames, std::vector<std::uint32_t> changed,
-                               const Ref<AnimFrame>& frame);
+    AnimFrameDuplicateUndoOper(std::weak_ptr<FrameTimeline> timeline, FrameListChange change,
+                               std::vector<std::uint32_t> changed, const Ref<AnimFrame>& frame);
 
   protected:
     ~AnimFrameDuplicateUndoOper() override;
@@ -21,14 +19,9 @@ class AnimFrameDuplicateUndoOper final : public AnimUndoOper {
     void undo(bool* deferRedraw) override;
     void redo(bool* deferRedraw) override;
     [[nodiscard]] std::size_t objectSize() const override;
-    [[nodiscard]] bool wasUndone() const { return wasUndone_; }
-    [[nodiscard]] std::int32_t animDescribe() const override;
 
   private:
-    FrameListSnapshot oldFrames_, newFrames_;
     std::vector<std::uint32_t> changed_;
-    bool wasUndone_ = false;
-    Ref<AnimFrame> frame_;
 };
 
 }  // namespace brushwork

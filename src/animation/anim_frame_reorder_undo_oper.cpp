@@ -3,16 +3,11 @@
 namespace brushwork {
 
 AnimFrameReorderUndoOper::AnimFrameReorderUndoOper(std::weak_ptr<FrameTimeline> timeline,
-                                                   CanvasLayer before, CanvasLayer after,
-                                                   FrameListSnapshot oldFrames,
-                                                   FrameListSnapshot newFrames,
+                                                   FrameListChange change,
                                                    std::vector<std::uint32_t> changed,
                                                    const Ref<AnimFrame>& frame)
-    : AnimUndoOper(std::move(timeline), before, after),
-      oldFrames_(std::move(oldFrames)),
-      newFrames_(std::move(newFrames)),
-      changed_(std::move(changed)),
-      frame_(frame) {}
+    : AnimListUndoOper(std::move(timeline), std::move(change), frame),
+      changed_(std::move(changed)) {}
 
 AnimFrameReorderUndoOper::~AnimFrameReorderUndoOper() = default;
 
@@ -20,20 +15,12 @@ std::size_t AnimFrameReorderUndoOper::objectSize() const {
     return sizeof(AnimFrameReorderUndoOper) + extraSize();
 }
 
-std::int32_t AnimFrameReorderUndoOper::animDescribe() const {
-    return frame_ ? frame_->id() : 0;
-}
-
 void AnimFrameReorderUndoOper::undo(bool* deferRedraw) {
-    run(deferRedraw, [this](FrameTimeline& line) {
-        line.restoreFrames(oldFrames_, before().canvas, before().layer, changed_, {});
-    });
+    put(Way::Undo, changed_, {}, deferRedraw);
 }
 
 void AnimFrameReorderUndoOper::redo(bool* deferRedraw) {
-    run(deferRedraw, [this](FrameTimeline& line) {
-        line.restoreFrames(newFrames_, after().canvas, after().layer, changed_, {});
-    });
+    put(Way::Redo, changed_, {}, deferRedraw);
 }
 
 }  // namespace brushwork

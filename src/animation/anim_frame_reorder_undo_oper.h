@@ -1,18 +1,16 @@
-// AnimFrameReorderUndoOper: a frame that was moved to another number.
+// AnimFrameReorderUndoOper: a frame that shows at other numbers than before.
 #pragma once
 
 #include <vector>
 
-#include "animation/anim_undo_oper.h"
+#include "animation/anim_list_undo_oper.h"
 
 namespace brushwork {
 
-class AnimFrameReorderUndoOper final : public AnimUndoOper {
+class AnimFrameReorderUndoOper final : public AnimListUndoOper {
   public:
-    AnimFrameReorderUndoOper(std::weak_ptr<FrameTimeline> timeline, CanvasLayer before,
-                             CanvasLayer after, FrameListSnapshot oldFrames,
-                             FrameListSnapshot newFrames, std::vector<std::uint32_t> changed,
-                             const Ref<AnimFrame>& frame);
+    AnimFrameReorderUndoOper(std::weak_ptr<FrameTimeline> timeline, FrameListChange change,
+                             std::vector<std::uint32_t> changed, const Ref<AnimFrame>& frame);
 
   protected:
     ~AnimFrameReorderUndoOper() override;
@@ -21,12 +19,9 @@ class AnimFrameReorderUndoOper final : public AnimUndoOper {
     void undo(bool* deferRedraw) override;
     void redo(bool* deferRedraw) override;
     [[nodiscard]] std::size_t objectSize() const override;
-    [[nodiscard]] std::int32_t animDescribe() const override;
 
   private:
-    FrameListSnapshot oldFrames_, newFrames_;
     std::vector<std::uint32_t> changed_;
-    Ref<AnimFrame> frame_;
 };
 
 }  // namespace brushwork

@@ -82,11 +82,13 @@ std::uint32_t AnimationManager::lastFrame() const {
     return state_->list.last();
 }
 
-bool AnimationManager::setLastFrame(std::uint32_t number) {
-    if (number > maxFrameNumber || state_->list.isEmpty()) return false;
-    state_->list.setLast(number);
-    state_->tellChanged(state_->list.last());
-    return true;
+bool AnimationManager::setLastFrame(std::uint32_t number, bool undo) {
+    return state_->setLastFrame(number, undo);
+}
+
+bool AnimationManager::holdsCanvas(std::int32_t canvas) const {
+    const auto kept = state_->door->kept.find(canvas);
+    return kept != state_->door->kept.end() && !kept->second.expired();
 }
 
 void AnimationManager::addListener(FrameListener& listener) {

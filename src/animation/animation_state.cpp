@@ -38,6 +38,10 @@ CanvasLayer AnimationState::present() const {
     return {paint.currentCanvas(), paint.activeLayerId()};
 }
 
+FrameListChange AnimationState::change(CanvasLayer before, FrameListSnapshot old) const {
+    return {before, present(), std::move(old), list.snapshot(currentFrame)};
+}
+
 bool AnimationState::records(bool undo) const {
     return undo && paint.undoActive() && undoDatabase() != nullptr;
 }

@@ -5,7 +5,7 @@
 #include <memory>
 #include <vector>
 
-#include "animation/anim_undo_oper.h"
+#include "animation/anim_list_undo_oper.h"
 #include "animation/frame_canvas.h"
 #include "animation/frame_list.h"
 #include "animation/frame_timeline.h"
@@ -47,6 +47,7 @@ struct AnimationState final : FrameTimeline, std::enable_shared_from_this<Animat
     bool deleteFrame(std::uint32_t number, bool undo);
     bool duplicateFrame(std::uint32_t number, bool undo);
     bool reorderFrames(std::uint32_t from, std::uint32_t to, bool undo);
+    bool setLastFrame(std::uint32_t number, bool undo);
     bool modifyFrame(std::uint32_t number, const AnimFrame& fields, bool undo);
     [[nodiscard]] bool canInsertAt(std::uint32_t number) const;
     [[nodiscard]] bool canDuplicate(std::uint32_t number) const;
@@ -63,6 +64,8 @@ struct AnimationState final : FrameTimeline, std::enable_shared_from_this<Animat
     void showCanvas(std::int32_t canvas, std::int32_t layerId, bool preserveView);
     // The canvas in front and its active layer.
     [[nodiscard]] CanvasLayer present() const;
+    // From what was to what is now.
+    [[nodiscard]] FrameListChange change(CanvasLayer before, FrameListSnapshot old) const;
     [[nodiscard]] bool records(bool undo) const;
 };
 

@@ -72,8 +72,7 @@ bool AnimationState::addFrame(std::uint32_t number, std::int32_t canvas, const I
     showCanvas(frame->canvasIndex(), layerId, true);
     const std::uint32_t shownBefore = old.currentFrame;
     if (isNew && records(undo))
-        fileNew<AnimFrameAddUndoOper>(weak_from_this(), before, present(), std::move(old),
-                                      list.snapshot(currentFrame), frame,
+        fileNew<AnimFrameAddUndoOper>(weak_from_this(), change(before, std::move(old)), frame,
                                       std::vector<Ref<AnimFrame>>());
     if (!notify) return true;
     if (shownBefore != currentFrame) tellCurrent();
@@ -104,9 +103,8 @@ bool AnimationState::deleteFrame(std::uint32_t number, bool undo) {
     const std::uint32_t shownBefore = old.currentFrame;
     switchFrame(currentFrame, false, false, true, noCanvas, -2, true, true);
     if (records(undo))
-        fileNew<AnimFrameDeleteUndoOper>(weak_from_this(), before, present(), std::move(old),
-                                         list.snapshot(currentFrame), touched, touched,
-                                         leaves ? found : Ref<AnimFrame>());
+        fileNew<AnimFrameDeleteUndoOper>(weak_from_this(), change(before, std::move(old)), touched,
+                                         touched, leaves ? found : Ref<AnimFrame>());
     for (const std::uint32_t told : touched) tellChanged(told);
     if (shownBefore != currentFrame) tellCurrent();
     return true;
@@ -131,8 +129,8 @@ bool AnimationState::duplicateFrame(std::uint32_t number, bool undo) {
     touched.push_back(start);
     switchFrame(start, false, true, true, canvas, -2, true, true);
     if (records(undo))
-        fileNew<AnimFrameDuplicateUndoOper>(weak_from_this(), before, present(), std::move(old),
-                                            list.snapshot(currentFrame), touched, copy);
+        fileNew<AnimFrameDuplicateUndoOper>(weak_from_this(), change(before, std::move(old)),
+                                            touched, copy);
     for (const std::uint32_t told : touched) tellChanged(told);
     return true;
 }
@@ -162,9 +160,23 @@ bool AnimationState::reorderFrames(std::uint32_t from, std::uint32_t to, bool un
     touched.push_back(to);
     switchFrame(to, false, true, true, noCanvas, -2, true, true);
     if (records(undo))
-        fileNew<AnimFrameReorderUndoOper>(weak_from_this(), before, present(), std::move(old),
-                                          list.snapshot(currentFrame), touched, frame);
+        fileNew<AnimFrameReorderUndoOper>(weak_from_this(), change(before, std::move(old)), touched,
+                                          frame);
     for (const std::uint32_t told : touched) tellChanged(told);
+    return true;
+}
+
+// The last frame shows for longer, or for fewer numbers.
+bool AnimationState::setLastFrame(std::uint32_t number, bool undo) {
+    if (number > maxFrameNumber || list.isEmpty()) return false;
+    FrameListSnapshot old = list.snapshot(currentFrame);
+    const Ref<AnimFrame> frame = list.frames().back();
+    list.setLast(number);
+    const std::uint32_t last = list.last();
+    if (records(undo) && last != old.lastFrame)
+        fileNew<AnimFrameReorderUndoOper>(weak_from_this(), change(present(), std::move(old)),
+                                          std::vector<std::uint32_t>{last}, frame);
+    tellChanged(last);
     return true;
 }
 

@@ -318,7 +318,7 @@ TEST(AnimFrameAddUndoOper, DoesNothingWithoutAFrame) {
     const auto timeline = std::make_shared<NotingTimeline>();
     const auto recordOf = [&](const Ref<AnimFrame>& frame, std::vector<Ref<AnimFrame>> touched) {
         return Ref<AnimFrameAddUndoOper>(new AnimFrameAddUndoOper(
-            timeline, {1, 2}, {3, 4}, FrameListSnapshot(), FrameListSnapshot(), frame, touched));
+            timeline, FrameListChange{{1, 2}, {3, 4}, {}, {}}, frame, touched));
     };
     bool deferred = false;
     const Ref<AnimFrameAddUndoOper> empty = recordOf({}, {});

@@ -5,6 +5,7 @@
 #include <functional>
 #include <random>
 #include <set>
+#include <utility>
 
 #include "animation/animation_host.h"
 #include "animation/timeline_model.h"
@@ -80,7 +81,9 @@ class Session {
             case 7: return edit("duplicate", &Session::duplicate);
             case 8: return edit("reorder", &Session::reorder);
             case 9: return edit("switch", &Session::switchTo);
-            case 10: return edit("modify", &Session::modify);
+            case 10:
+                return below(2) == 0 ? edit("modify", &Session::modify)
+                                     : edit("hold", &Session::hold);
             case 11:
             case 12: return paint();
             case 13: return below(6) == 0 ? unrecorded() : undo();
@@ -234,6 +237,15 @@ class Session {
         now_.timeline.show(number, base_);
         return before != now_.timeline;
     }
+    bool hold() { return holdTo(below(4) == 0 ? below(1100) : below(30), true); }
+    bool holdTo(std::uint32_t last, bool undo) {
+        TimelineModel& timeline = now_.timeline;
+        const bool possible = last <= TimelineModel::most && !timeline.starts.empty();
+        EXPECT_EQ(animation_.setLastFrame(last, undo), possible);
+        if (!possible) return false;
+        last = std::max(last, timeline.starts.rbegin()->first);
+        return std::exchange(timeline.last, last) != last;
+    }
     bool modify() {
         const std::uint32_t asked = anyNumber();
         const bool expected = resolved(asked) <= TimelineModel::most &&
@@ -268,10 +280,7 @@ class Session {
         redo_.clear();
         const std::uint32_t number = 1 + below(12);
         if (below(2) == 0) {
-            const std::uint32_t last = below(1100);
-            const bool possible = last <= TimelineModel::most && !now_.timeline.starts.empty();
-            EXPECT_EQ(animation_.setLastFrame(last), possible);
-            if (possible) now_.timeline.last = std::max(last, now_.timeline.starts.rbegin()->first);
+            static_cast<void>(holdTo(below(1100), false));
         } else if (now_.timeline.canRemove(number)) {
             const auto start = now_.timeline.starts.find(number);
             if (start != now_.timeline.starts.end()) noteDeleted(start->second);
@@ -395,7 +404,7 @@ TEST(AnimationSession, FramesAreThoseOfAPlainModel) {
         if (HasFailure()) return;
     }
     // A session that does nothing of a kind would show nothing.
-    for (const char* name : {"add", "add given", "delete", "duplicate", "reorder", "switch",
+    for (const char* name : {"add", "add given", "delete", "duplicate", "reorder", "switch", "hold",
                              "modify", "paint", "undo", "redo", "unrecorded", "visible paint"})
         EXPECT_GT(done[name], 10) << name;
 }
