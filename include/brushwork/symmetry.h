@@ -43,6 +43,10 @@ class BRUSHWORK_API Symmetry final : public zn::ReferenceCount {
     // Paint only where a stroke is in the sector in which it began. Off at first.
     [[nodiscard]] bool pinToSector() const { return pinToSector_; }
     void setPinToSector(bool on) { pinToSector_ = on; }
+    // A painter of its own for each copy, whatever the brush. Off, which is how it begins, only
+    // brushes that carry paint along have them.
+    [[nodiscard]] bool separateRenderers() const { return separateRenderers_; }
+    void setSeparateRenderers(bool on) { separateRenderers_ = on; }
     // In pixels of the document; (0, 0) at first.
     [[nodiscard]] float centerX() const { return centerX_; }
     [[nodiscard]] float centerY() const { return centerY_; }
@@ -56,6 +60,7 @@ class BRUSHWORK_API Symmetry final : public zn::ReferenceCount {
     bool radial_ = false;
     bool rotateOnly_ = false;
     bool pinToSector_ = false;
+    bool separateRenderers_ = false;
     float radialAngle_ = 0.0f;
     std::int32_t sectorCount_ = 2;
     float centerX_ = 0.0f, centerY_ = 0.0f;

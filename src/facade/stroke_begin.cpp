@@ -49,6 +49,7 @@ void makeRenderer(FacadeState& state, Layer& layer, ilSmartImage& target) {
     if (setup) {
         auto renderer = std::make_shared<npc::SymmetryStrokeRenderer>(stroke.stamps);
         renderer->setSymmetry(*setup);
+        renderer->setSeparateRenderers(state.brush.symmetry->separateRenderers());
         stroke.renderer = renderer;
     } else {
         stroke.renderer = std::make_shared<npc::StrokeRenderer>(stroke.stamps);

@@ -3,7 +3,9 @@
 #include <limits>
 
 #include "facade/document_state.h"
+#include "facade/facade_state.h"
 #include "facade/session_host.h"
+#include "strokes/stroke/symmetry_stroke_renderer.h"
 
 namespace brushwork::test {
 namespace {
@@ -242,6 +244,33 @@ TEST_F(StrokeFacade, SmudgesCarryAndMarkersTintWhatIsThere) {
         EXPECT_LT(at(80).green + at(115).green, 8u);
     });
     stroke(3, [&] { EXPECT_GT(at(80).green, 200u) << "or begins with the brush's colour"; });
+}
+
+// About a centre of the document, wherever the layer lies; a painter for each copy if asked.
+TEST_F(StrokeFacade, SymmetryIsThatOfTheDocument) {
+    constexpr std::uint32_t red = 0xFF0000FF;
+    manager_.setColor({1.0f, 0.0f, 0.0f, 1.0f});
+    manager_.setPosition(layer_, 20.0f, 10.0f);
+    for (const bool separate : {false, true}) {
+        manager_.clearLayer();
+        const auto symmetry = makeRef<Symmetry>();
+        symmetry->setRotateOnly(true);
+        symmetry->setSectorCount(4);
+        symmetry->setCenter(100.0f, 75.0f);
+        symmetry->setSeparateRenderers(separate);
+        manager_.setSymmetry(symmetry);
+        ASSERT_TRUE(manager_.beginStroke());
+        drag(120.0f, 80.0f, 140.0f, 80.0f);
+        const auto renderer = std::dynamic_pointer_cast<npc::SymmetryStrokeRenderer>(
+            manager_.state().stroke.renderer);
+        ASSERT_TRUE(renderer);
+        EXPECT_EQ(renderer->children().size(), separate ? 4u : 1u);
+        manager_.endStroke();
+        // The pen, then what it comes to by quarter turns, in pixels of the layer.
+        for (const auto& [x, y] : {std::pair(130, 80), {95, 105}, {70, 70}, {105, 45}})
+            EXPECT_EQ(pixel(x - 20, y - 10), red) << x << ", " << y;
+        EXPECT_NE(pixel(130 - 20, 60 - 10), red);
+    }
 }
 
 TEST_F(StrokeFacade, UndoOffMakesNoRecord) {

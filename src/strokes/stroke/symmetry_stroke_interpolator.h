@@ -46,7 +46,10 @@ class SymmetryStrokeInterpolator final : public StrokeInterpolator {
     [[nodiscard]] std::int32_t replica() const { return replica_; }
     // The sector in which a pinned stroke began; -1 before it.
     [[nodiscard]] std::int32_t startSector() const { return startSector_; }
-    // 0 to sectors - 1, from the axis on against the clock, as seen in the y-flip mode.
+    // 0 to sectors - 1, from the axis on against the clock. The y-flip mode mirrors both the place
+    // and the axis: sectors then go with the clock from the axis as it was given, while copies are
+    // mirrored about the flipped one. The two meet where twice the axis' angle is a whole number of
+    // sectors.
     [[nodiscard]] std::int32_t sectorOf(float x, float y) const;
 
   private:
