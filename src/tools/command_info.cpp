@@ -27,7 +27,8 @@ void look(const Operation& op, const OpRules& rules, Contents& contents) {
         if (!op.has(rule.name)) continue;
         if (rule.kind == FieldKind::NewName) contents.names[rule.nameOf].insert(op.text(rule.name));
         if (rule.kind == FieldKind::File)
-            (op.name() == "save" ? contents.writes : contents.reads).insert(op.text(rule.name));
+            (op.name().starts_with("save") ? contents.writes : contents.reads)
+                .insert(op.text(rule.name));
         if (rule.kind == FieldKind::Points) contents.points += op.fields()[rule.name].size();
     }
 }
@@ -45,7 +46,7 @@ int info(const std::string& script) {
         return exitCode;
     Contents contents;
     for (const Operation& op : journal.operations) look(op, *opBook().find(op.name()), contents);
-    std::printf("journal version %d, %zu operations, %zu points\n", journalVersion,
+    std::printf("journal version %d, %zu operations, %zu points\n", journal.version,
                 journal.operations.size(), contents.points);
     for (const auto& [name, count] : contents.uses) std::printf("  %6zu %s\n", count, name.c_str());
     for (const auto& [kind, names] : contents.names) {

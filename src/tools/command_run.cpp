@@ -9,9 +9,11 @@
 
 #include "brushwork/image_memory.h"
 #include "tools/exit_codes.h"
+#include "tools/frame_export.h"
 #include "tools/journal_file.h"
 #include "tools/journal_ops.h"
 #include "tools/run_options.h"
+#include "tools/time_lapse.h"
 
 namespace brushwork::tools {
 namespace {
@@ -21,6 +23,11 @@ using Clock = std::chrono::steady_clock;
 struct RunOptions {
     std::string script;
     std::string out;
+    std::string frames;  // prefix
+    std::string gif;
+    FrameGif timing;
+    std::uint64_t every = 0;  // 0: no time-lapse
+    std::string steps;        // prefix
     EngineOptions engine;
     bool stats = false;
     bool progress = false;
@@ -41,8 +48,14 @@ void showMessages(const RunOptions& options, JournalSession& session, const Oper
         say(options, op.line(), "the engine says: " + message);
 }
 
+int told(const PictureFault& fault) {
+    std::fprintf(stderr, "brushwork: %s\n", fault.message.c_str());
+    return fault.code;
+}
+
 // Stops at the first operation that can't be done.
-int carryOut(const RunOptions& options, const Journal& journal, JournalSession& session) {
+int carryOut(const RunOptions& options, const Journal& journal, JournalSession& session,
+             TimeLapse* lapse) {
     std::size_t done = 0;
     for (const Operation& op : journal.operations) {
         const auto start = Clock::now();
@@ -57,6 +70,8 @@ int carryOut(const RunOptions& options, const Journal& journal, JournalSession& 
             say(options, op.line(), op.name() + ": " + *problem);
             return ExitFailed;
         }
+        if (lapse)
+            if (const auto fault = lapse->operationRun()) return told(*fault);
         if (options.hashes && session.paint.hasCanvas(activeOne))
             std::printf("%d %s\n%s\n", op.line(), op.name().c_str(),
                         session.digestText("  ").c_str());
@@ -86,17 +101,40 @@ void printStats(const Journal& journal, JournalSession& session, double seconds)
     std::printf("images            %d\n", memory.images);
 }
 
+int saveFrames(const RunOptions& options, JournalSession& session) {
+    if (!options.frames.empty())
+        if (const auto fault = exportFramePngs(session.animation, session.paint, options.frames))
+            return told(*fault);
+    if (!options.gif.empty())
+        if (const auto fault =
+                exportFrameGif(session.animation, session.paint, options.gif, options.timing))
+            return told(*fault);
+    return ExitDone;
+}
+
+// Without a prefix, by the journal's name in the folder where the program runs.
+std::string stepsPrefix(const RunOptions& options) {
+    if (!options.steps.empty()) return options.steps;
+    return std::filesystem::path(options.script).stem().string() + "-";
+}
+
 int finish(const RunOptions& options, const Journal& journal, JournalSession& session,
            Clock::time_point start) {
-    const int exitCode = carryOut(options, journal, session);
+    std::unique_ptr<TimeLapse> lapse;
+    if (options.every > 0)
+        lapse = std::make_unique<TimeLapse>(session.paint, stepsPrefix(options), options.every);
+    const int exitCode = carryOut(options, journal, session, lapse.get());
     if (exitCode != ExitDone) return exitCode;
     if (session.paint.inStroke()) session.paint.endStroke();
     session.paint.endTransform(true);
+    if (lapse)
+        if (const auto fault = lapse->finish()) return told(*fault);
     if (!options.out.empty())
         if (const Problem problem = session.save(options.out, std::nullopt)) {
             std::fprintf(stderr, "brushwork: %s\n", problem->c_str());
             return ExitInputOutput;
         }
+    if (const int failed = saveFrames(options, session); failed != ExitDone) return failed;
     if (options.stats) printStats(journal, session, secondsSince(start));
     return ExitDone;
 }
@@ -114,6 +152,37 @@ int run(const RunOptions& options) {
     return finish(options, journal, session, start);
 }
 
+void addFrameOptions(CLI::App& command, RunOptions& options) {
+    command
+        .add_option("--frames", options.frames,
+                    "Save the timeline at the end: a PNG for each number, PREFIX0001.png ...")
+        ->type_name("PREFIX");
+    auto* gif = command.add_option("--gif", options.gif,
+                                   "Save the timeline at the end as an animated GIF; frames show "
+                                   "as long as they hold");
+    command
+        .add_option("--rate", options.timing.framesPerSecond,
+                    "Numbers of the timeline a second, in the GIF (12)")
+        ->check(CLI::Range(0.01, 100.0))
+        ->needs(gif);
+    command
+        .add_option("--plays", options.timing.plays,
+                    "How often the GIF is played; 0, as without it: without end")
+        ->needs(gif);
+    auto* every = command
+                      .add_option("--every", options.every,
+                                  "Time-lapse: a PNG of the canvas in front after each N "
+                                  "operations and at the end")
+                      ->type_name("N")
+                      ->check(CLI::Range(std::uint64_t{1}, std::uint64_t{1000000000}));
+    command
+        .add_option("--steps", options.steps,
+                    "Where they go: PREFIX000001.png ...; otherwise SCRIPT's name and '-', "
+                    "where the program runs")
+        ->type_name("PREFIX")
+        ->needs(every);
+}
+
 }  // namespace
 
 void addRunCommand(CLI::App& program, int& exitCode) {
@@ -122,6 +191,7 @@ void addRunCommand(CLI::App& program, int& exitCode) {
     command->add_option("SCRIPT", options->script, "A journal: a line of JSON an operation")
         ->required();
     command->add_option("--out", options->out, "Save the picture here at the end");
+    addFrameOptions(*command, *options);
     addEngineOptions(*command, options->engine);
     command->add_flag("--hashes", options->hashes,
                       "Print digests of all layers and the document after each operation");
@@ -133,6 +203,8 @@ void addRunCommand(CLI::App& program, int& exitCode) {
         "The whole journal is checked before anything is done. docs/journal.md tells its form.\n\n"
         "Examples:\n"
         "  brushwork run scene.jsonl --out scene.png --stats\n"
+        "  brushwork run film.jsonl --gif film.gif --rate 12 --frames film/\n"
+        "  brushwork run scene.jsonl --every 10 --steps lapse/\n"
         "  brushwork run scene.jsonl --hashes --threads 2 --vectors scalar");
     command->callback([options, &exitCode] { exitCode = run(*options); });
 }

@@ -106,6 +106,14 @@ std::string digestOf(const ImageRef& image) {
     return sum.text();
 }
 
+std::string digestOfPicture(PaintManager& paint, std::int32_t canvas) {
+    const ilTile box = paint.canvasBounds(canvas);
+    std::vector<std::uint8_t> pixels(std::size_t{4} * static_cast<std::size_t>(box.nx) *
+                                     static_cast<std::size_t>(box.ny));
+    if (pixels.empty() || !paint.readFlatImage(canvas, pixels.data())) return "-";
+    return pictureDigest(pixels);
+}
+
 DocumentDigest digestDocument(PaintManager& paint) {
     DocumentDigest result;
     if (!paint.hasCanvas(current)) return result;

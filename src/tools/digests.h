@@ -31,6 +31,9 @@ class DigestSum {
 // Of an image without regard to where its stored box ends; "-" without an image.
 [[nodiscard]] std::string digestOf(const ImageRef& image);
 
+// Of the flat picture of a canvas, in front or not; "-" without one.
+[[nodiscard]] std::string digestOfPicture(PaintManager& paint, std::int32_t canvas);
+
 struct LayerDigest {
     std::int32_t id = -1;
     std::int32_t depth = 0;  // of groups around it

@@ -77,6 +77,14 @@ Fault checkList(const Json& value, std::size_t count, double low, double high, c
     return std::nullopt;
 }
 
+Fault checkNumberList(const Json& value, const FieldRule& rule) {
+    if (!value.is_array()) return fault("a list of whole numbers is wanted");
+    for (std::size_t n = 0; n < value.size(); ++n)
+        if (!value[n].is_number_integer() || !inRange(value[n], rule.low, rule.high))
+            return fault(rangeWords(rule, "a whole number"), {n});
+    return std::nullopt;
+}
+
 Fault checkColor(const Json& value) {
     const char* const words =
         "a colour is wanted: [red, green, blue] with or without alpha, "
@@ -169,6 +177,7 @@ Fault check(const Json& value, const FieldRule& rule, const KnownNames& names) {
             return checkList(
                 value, rule.count, rule.low, rule.high,
                 ("a list of " + std::to_string(rule.count) + " numbers is wanted").c_str());
+        case FieldKind::NumberList: return checkNumberList(value, rule);
         case FieldKind::NewName: return checkNew(value, rule, names);
         case FieldKind::Name: return checkKnown(value, rule, names);
         case FieldKind::Names: return checkNames(value, rule, names);

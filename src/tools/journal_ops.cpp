@@ -10,8 +10,9 @@ namespace {
 const std::vector<OpRow>& table() {
     static const std::vector<OpRow> rows = [] {
         std::vector<OpRow> all;
-        for (auto family : {canvasOps(), layerOps(), pixelOps(), selectionOps(), brushOps(),
-                            strokeOps(), shapeOps(), transformOps(), undoOps(), checkOps()})
+        for (auto family :
+             {canvasOps(), layerOps(), pixelOps(), selectionOps(), brushOps(), strokeOps(),
+              shapeOps(), transformOps(), undoOps(), frameOps(), checkOps()})
             all.insert(all.end(), std::make_move_iterator(family.begin()),
                        std::make_move_iterator(family.end()));
         return all;

@@ -36,6 +36,10 @@ std::string plainCause(const std::string& what) {
     return "not JSON: " + (start == std::string::npos ? what : what.substr(start + 2));
 }
 
+FieldFault tooNew(const std::string& field, const std::string& name, std::int32_t version) {
+    return {{field}, "\"" + name + "\" is for journals of version " + std::to_string(version)};
+}
+
 bool LineReader::parse(Json& value) {
     bool tooDeep = false;
     const auto watch = [&](int depth, Json::parse_event_t, Json&) {
@@ -67,13 +71,13 @@ void LineReader::takeHeader(const Json& value) {
         needed(tools::text("journal")), needed(integer("version", 1, 1000000)),
         number("seed", 0.0, 9007199254740992.0), tools::text("note")};
     if (!value.is_object() || !value.contains("journal"))
-        return refuse(0, "a journal begins with {\"journal\": \"brushwork\", \"version\": 1}");
+        return refuse(0, "a journal begins with {\"journal\": \"brushwork\", \"version\": 2}");
     if (const auto fault = checkFields(value, rules, names)) return refuse(*fault);
     if (value["journal"] != "brushwork") return refuse({{"journal"}, "\"brushwork\" is wanted"});
-    if (value["version"] != journalVersion)
+    if (value["version"] > journalVersion)
         return refuse(
-            {{"version"},
-             "only version " + std::to_string(journalVersion) + " is known to this program"});
+            {{"version"}, "this program knows versions 1 to " + std::to_string(journalVersion)});
+    journal.version = value["version"].get<std::int32_t>();
     if (!value.contains("seed")) return;
     if (!value["seed"].is_number_unsigned()) return refuse({{"seed"}, "a whole number is wanted"});
     journal.seed = value["seed"].get<std::uint64_t>();
@@ -87,10 +91,14 @@ void LineReader::takeOperation(Json value) {
     if (!rules)
         return refuse(
             {{"op"}, "there is no operation \"" + name + "\"" + perhapsMeant(name, book.names)});
+    if (rules->since > journal.version) return refuse(tooNew("op", name, rules->since));
     std::vector<FieldRule> rulesOfLine = rules->fields;
     rulesOfLine.push_back(tools::text("note"));
     rulesOfLine.push_back(flag("fails"));
     if (const auto fault = checkFields(value, rulesOfLine, names, {"op"})) return refuse(*fault);
+    for (const FieldRule& rule : rules->fields)
+        if (rule.since > journal.version && value.contains(rule.name))
+            return refuse(tooNew(rule.name, rule.name, rule.since));
     learnNames(*rules, value);
     journal.operations.emplace_back(*rules, std::move(value), line);
 }

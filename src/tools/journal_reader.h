@@ -20,9 +20,11 @@
 
 namespace brushwork::tools {
 
-inline constexpr std::int32_t journalVersion = 1;
+// Version 2 brought frames. Older journals mean what they meant.
+inline constexpr std::int32_t journalVersion = 2;
 
 struct Journal {
+    std::int32_t version = journalVersion;
     std::vector<Operation> operations;
     std::optional<std::uint64_t> seed;  // of the random sequence, as the first line gave it
 };

@@ -89,7 +89,20 @@ std::string JournalSession::digestText(const std::string& indent) {
     for (const LayerDigest& layer : digest.layers)
         text += indent + "  layer " + layer.digest + "  " +
                 std::string(static_cast<std::size_t>(2 * layer.depth), ' ') + titleOf(layer) + "\n";
-    return text + indent + "  selection " + digest.selection;
+    return text + indent + "  selection " + digest.selection + timelineText(indent);
+}
+
+std::string JournalSession::timelineText(const std::string& indent) {
+    const std::size_t count = animation.frameCount();
+    if (count == 0) return {};
+    std::string text = "\n" + indent + "timeline to " + std::to_string(animation.lastFrame()) +
+                       ", " + std::to_string(animation.currentFrame()) + " shown";
+    for (std::size_t n = 0; n < count; ++n) {
+        const Ref<AnimFrame> frame = animation.frameAt(n);
+        text += "\n" + indent + "  frame " + std::to_string(frame->frameNumber) + " " +
+                digestOfPicture(paint, frame->canvasIndex());
+    }
+    return text;
 }
 
 }  // namespace brushwork::tools

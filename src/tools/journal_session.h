@@ -11,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "brushwork/animation_manager.h"
 #include "brushwork/paint_manager.h"
 #include "tools/brush_presets.h"
 #include "tools/digests.h"
@@ -57,6 +58,8 @@ class JournalSession {
     // A picture of the file in the field.
     [[nodiscard]] Problem picture(const Operation& op, const std::string& field, PictureUse use,
                                   ImageRef& image) const;
+    // Where frames start, and what they show; empty without frames.
+    [[nodiscard]] std::string timelineText(const std::string& indent);
     // The flat picture of the current canvas.
     [[nodiscard]] Problem save(const std::string& path, std::optional<std::int32_t> quality);
     // Digests in the form that is printed; `indent` before each line.
@@ -69,7 +72,8 @@ class JournalSession {
     // The engine asks for the curves of shapes as long as an undo record knows them.
     std::vector<std::unique_ptr<ReferenceShape>> shapeOutlines;
     PaintManager paint;
-    HostUndoStack undo;  // its records go before the manager
+    AnimationManager animation{paint};
+    HostUndoStack undo;  // its records go before the managers
     BrushPreset brush;
     SessionFigures figures;
 

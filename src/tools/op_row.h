@@ -29,6 +29,7 @@ struct OpRow {
 [[nodiscard]] std::vector<OpRow> shapeOps();
 [[nodiscard]] std::vector<OpRow> transformOps();
 [[nodiscard]] std::vector<OpRow> undoOps();
+[[nodiscard]] std::vector<OpRow> frameOps();
 [[nodiscard]] std::vector<OpRow> checkOps();
 
 }  // namespace brushwork::tools

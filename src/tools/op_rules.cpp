@@ -41,6 +41,11 @@ FieldRule needed(FieldRule rule) {
     return rule;
 }
 
+FieldRule since(std::int32_t version, FieldRule rule) {
+    rule.since = version;
+    return rule;
+}
+
 FieldRule flag(std::string name) {
     return of(std::move(name), FieldKind::Flag);
 }
@@ -106,6 +111,10 @@ FieldRule numbers(std::string name, std::size_t count, double low, double high) 
     FieldRule rule = of(std::move(name), FieldKind::Numbers, low, high);
     rule.count = count;
     return rule;
+}
+
+FieldRule numberList(std::string name, std::int32_t low, std::int32_t high) {
+    return of(std::move(name), FieldKind::NumberList, low, high);
 }
 
 FieldRule newName(std::string name, NameOf kind) {

@@ -28,10 +28,11 @@ enum class FieldKind {
     Points,   // [[x, y], [x, y, pressure], ...]; low: how many at least
     Box,      // [x, y, width, height], whole numbers, not empty
     Numbers,  // so many numbers: low to high in value, `count` of them
-    NewName,  // a name that a later line may use
-    Name,     // one that an earlier line gave
-    Names,    // a list of such, not empty
-    Record,   // an object with fields of its own
+    NumberList,  // whole numbers, low to high in value; any count of them
+    NewName,     // a name that a later line may use
+    Name,        // one that an earlier line gave
+    Names,       // a list of such, not empty
+    Record,      // an object with fields of its own
 };
 
 // Things that a journal gives names to, each kind for itself.
@@ -47,17 +48,20 @@ struct FieldRule {
     NameOf nameOf = NameOf::Layer;
     std::vector<std::string> choices;
     std::vector<FieldRule> fields;
+    std::int32_t since = 1;  // version of journals from which on it may stand
 };
 
 struct OpRules {
     std::string name;
     std::string summary;  // a sentence for a person
     std::vector<FieldRule> fields;
+    std::int32_t since = 1;  // version of journals that first has it
 };
 
 inline constexpr double farthest = 1e6;  // pixels
 
 [[nodiscard]] FieldRule needed(FieldRule rule);
+[[nodiscard]] FieldRule since(std::int32_t version, FieldRule rule);
 [[nodiscard]] FieldRule flag(std::string name);
 [[nodiscard]] FieldRule integer(std::string name, std::int32_t low, std::int32_t high);
 [[nodiscard]] FieldRule number(std::string name, double low, double high);
@@ -72,6 +76,7 @@ inline constexpr double farthest = 1e6;  // pixels
 [[nodiscard]] FieldRule points(std::string name, std::size_t fewest = 1);
 [[nodiscard]] FieldRule box(std::string name);
 [[nodiscard]] FieldRule numbers(std::string name, std::size_t count, double low, double high);
+[[nodiscard]] FieldRule numberList(std::string name, std::int32_t low, std::int32_t high);
 [[nodiscard]] FieldRule newName(std::string name, NameOf kind);
 [[nodiscard]] FieldRule nameOf(std::string name, NameOf kind);
 [[nodiscard]] FieldRule namesOf(std::string name, NameOf kind);

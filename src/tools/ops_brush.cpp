@@ -61,6 +61,7 @@ Problem runSymmetry(JournalSession& session, const Operation& op) {
     symmetry->setSectorCount(op.integer("sectors", symmetry->sectorCount()));
     symmetry->setRadialAngle(op.number("angle") * 3.14159265f / 180.0f);
     symmetry->setPinToSector(op.flag("pin"));
+    symmetry->setSeparateRenderers(op.flag("separate"));
     session.paint.setSymmetry(symmetry);
     return std::nullopt;
 }
@@ -86,8 +87,8 @@ std::vector<OpRow> brushOps() {
           "Strokes are painted many times at once.",
           {needed(choice(
                "kind", {"none", "mirror_x", "mirror_y", "mirror_both", "rotate", "kaleidoscope"})),
-           point("centre"), integer("sectors", 2, 1024), number("angle", -360.0, 360.0),
-           flag("pin")}},
+           point("centre"), integer("sectors", 1, 1024), number("angle", -360.0, 360.0),
+           flag("pin"), since(2, flag("separate"))}},
          runSymmetry},
     };
 }

@@ -32,6 +32,7 @@ Problem runUseCanvas(JournalSession& session, const Operation& op) {
 Problem runCloseCanvas(JournalSession& session, const Operation& op) {
     std::int32_t index = -1;
     if (auto problem = canvasOf(session, op, index)) return problem;
+    if (session.animation.holdsCanvas(index)) return "a frame has that canvas";
     return problemUnless(session.paint.closeCanvas(index), "a stroke is open");
 }
 

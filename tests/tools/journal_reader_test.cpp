@@ -56,7 +56,7 @@ TEST(JournalReader, WantsItsFirstLine) {
     EXPECT_EQ(faultsOf("").size(), 1u);
     EXPECT_EQ(faultsOf("\n\n").size(), 1u);
     EXPECT_EQ(faultsOf("{\"op\": \"undo\"}\n")[0].line, 1);
-    const auto future = faultsOf("{\"journal\": \"brushwork\", \"version\": 2}\n");
+    const auto future = faultsOf("{\"journal\": \"brushwork\", \"version\": 3}\n");
     ASSERT_EQ(future.size(), 1u);
     EXPECT_EQ(future[0].column, 37u);
     EXPECT_TRUE(faultsOf("\r\n" + head + "\r\n").empty());
