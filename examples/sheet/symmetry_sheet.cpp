@@ -235,9 +235,9 @@ Image patternPicture(const Pattern& pattern, const Pen& pen) {
     npc::SymmetryStrokeRenderer renderer(high.get(), low.get());
     renderer.setSymmetry(symmetrySetup(*symmetry, middle, middle).value());
     renderer.setParameters(strokeOf(pattern.brush), &brush);
-    const bool isWide = pattern.mirrorX || pattern.mirrorY || pattern.pinned;
-    for (const PenStroke& points :
-         placed(pen, middle + 100.0f, middle + 95.0f, isWide ? 230.0f : 150.0f)) {
+    const bool isMirrored = pattern.mirrorX || pattern.mirrorY;
+    const float width = isMirrored ? 230.0f : pattern.pinned ? 190.0f : 150.0f;
+    for (const PenStroke& points : placed(pen, middle + 100.0f, middle + 95.0f, width)) {
         renderer.beginStroke(false);
         for (const StrokePointData& point : points)
             renderer.addPoint(npc::replayedPoint(point, brush, {}));
