@@ -218,6 +218,19 @@ TEST(SymmetryStrokeRenderer, EveryPictureIsItsOwnMirrorImageOrTurnsIntoItself) {
         }
 }
 
+// All around, at whole degrees and between them.
+TEST(SymmetryStrokeRenderer, AnyAxisWillDo) {
+    const TestBrush soft = test::brushSet()[1];
+    for (int n = 0; n < 60; ++n) {
+        const double axisDegrees = 6.0 * n + 0.29 * (n % 4);
+        Canvas canvas;
+        paint(canvas, soft, setupOf(false, 6, axisDegrees), penInWedge(20.0f, 40.0f));
+        const double twice = 2.0 * axisDegrees * std::numbers::pi / 180.0;
+        EXPECT_LT(differenceAfter(*canvas.high, twice, true), 20.0) << axisDegrees;
+        EXPECT_GT(differenceAfter(*canvas.high, twice + 0.5 / 95.0, true), 30.0) << axisDegrees;
+    }
+}
+
 // Rings about the middle.
 void drawRings(const Canvas& canvas) {
     for (std::int32_t y = 0; y < side; ++y)
