@@ -1,6 +1,7 @@
 #include "tiled/bicubic_filter.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
 #include <cstring>
 
@@ -67,53 +68,51 @@ void BicubicFilter::sample4(std::uint8_t* out, double x, double y) {
     }
 }
 
-// Eight at a time; what single precision doesn't settle once more by the definition.
+// What the rows don't settle once more in double.
 void BicubicFilter::sampleRow4(std::uint8_t* out, const SampleRow& row) {
-    const BicubicRows* const rows = bicubicRows();
-    noteKernelForm(rows ? VectorLevel::Avx2 : VectorLevel::Scalar);
-    if (!rows) {
+    const VectorLevel level = vectorLevel();
+    const BicubicRows* const rows = bicubicRows(level);
+    if (!rows || !isTame(row)) {
+        noteKernelForm(VectorLevel::Scalar);
         ResampleFilter::sampleRow4(out, row);
         return;
     }
     double x = row.x;
     double y = row.y;
-    BicubicPlaces places;
-    for (std::int32_t done = 0; done < row.count; done += bicubicPlaces) {
-        const std::int32_t count = std::min<std::int32_t>(row.count - done, bicubicPlaces);
-        const std::int32_t whole = (count + bicubicLanes - 1) / bicubicLanes * bicubicLanes;
-        for (int n = 0; n < whole; ++n, x += row.dx, y += row.dy) {
-            places.x[n] = x;
-            places.y[n] = y;
+    BicubicChunk chunk;
+    std::uint8_t sampled[4 * chunkPlaces];
+    for (std::int32_t done = 0; done < row.count; done += chunkPlaces, out += 4 * chunkPlaces) {
+        const int count = std::min(row.count - done, chunkPlaces);
+        const int whole = (count + 7) & ~7;
+        takePlaces(row, whole, x, y, chunk);
+        rows->locate(chunk, whole);
+        if (!placeBlocks(chunk, whole, side, first)) {
+            std::memset(out, 0, static_cast<std::size_t>(count) * 4);
+            continue;
         }
-        rows->locate(places, whole);
-        for (int n = 0; n < count; n += bicubicLanes, out += 4 * bicubicLanes)
-            sampleLanes(*rows, places, n, std::min(count - n, bicubicLanes), out);
+        std::uint8_t* const to = count == whole ? out : sampled;
+        Unsettled unsettled;
+        rows->sum(chunk, whole, to, unsettled);
+        for (int n = 0; n < whole; n += 8) {
+            std::uint32_t bits = 0;
+            std::memcpy(&bits, unsettled.bits + n / 2, sizeof bits);
+            while (bits != 0) {
+                const int lane = std::countr_zero(bits) / 4;
+                bits &= ~(0xFu << 4 * lane);
+                sampleExactly(*cubicSums(level), chunk, n + lane, to + 4 * (n + lane));
+            }
+        }
+        if (to == sampled) std::memcpy(out, sampled, static_cast<std::size_t>(count) * 4);
     }
 }
 
-// What lies behind the last sample is computed, too, and not written.
-void BicubicFilter::sampleLanes(const BicubicRows& rows, const BicubicPlaces& places, int start,
-                                int count, std::uint8_t* out) {
-    BicubicBlocks blocks;
-    std::uint8_t gathered[bicubicLanes][side * side * 4];
-    std::uint8_t sampled[bicubicLanes * 4];
-    for (int n = 0; n < bicubicLanes; ++n) {
-        const std::int32_t left = places.ix[start + n] + first;
-        const std::int32_t bottom = places.iy[start + n] + first;
-        blocks.first[n] = block4(left, bottom, side, side);
-        blocks.stride[n] = std::size_t{znTiledImage::tileSide} * 4;
-        if (blocks.first[n]) continue;
-        gather4(left, bottom, side, side, gathered[n]);
-        blocks.first[n] = gathered[n];
-        blocks.stride[n] = std::size_t{side} * 4;
-    }
-    std::uint32_t unsettled = rows.sum(places, start, blocks, sampled);
-    for (int n = 0; n < count; ++n, unsettled >>= 1)
-        if (unsettled & 1u) sample4(sampled + 4 * n, places.x[start + n], places.y[start + n]);
-    if (count == bicubicLanes)
-        std::memcpy(out, sampled, sizeof sampled);
-    else
-        std::memcpy(out, sampled, static_cast<std::size_t>(count) * 4);
+void BicubicFilter::sampleExactly(const CubicSums& sums, const BicubicChunk& chunk, int n,
+                                  std::uint8_t* out) {
+    alignas(32) double wx[side];
+    alignas(32) double wy[side];
+    sums.weigh(first - ((chunk.x[n] - chunk.ix[n]) - 0.5), 1.0, side, wx);
+    sums.weigh(first - ((chunk.y[n] - chunk.iy[n]) - 0.5), 1.0, side, wy);
+    sums.sum4({chunk.first[n], blockStride, side, side, wx, wy, 1.0}, out);
 }
 
 }  // namespace brushwork

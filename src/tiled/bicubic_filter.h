@@ -2,6 +2,7 @@
 #pragma once
 
 #include "tiled/bicubic_rows.h"
+#include "tiled/cubic_sums.h"
 #include "tiled/resample_filter.h"
 
 namespace brushwork {
@@ -24,8 +25,8 @@ class BicubicFilter final : public ResampleFilter {
 
   private:
     ~BicubicFilter() override = default;
-    void sampleLanes(const BicubicRows& rows, const BicubicPlaces& places, int start, int count,
-                     std::uint8_t* out);
+    static void sampleExactly(const CubicSums& sums, const BicubicChunk& chunk, int n,
+                              std::uint8_t* out);
 };
 
 }  // namespace brushwork

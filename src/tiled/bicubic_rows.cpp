@@ -3,7 +3,11 @@
 namespace brushwork {
 
 const BicubicRows* bicubicRows(VectorLevel level) {
-    return level == VectorLevel::Avx2 ? &bicubicRowsAvx2 : nullptr;
+    switch (level) {
+        case VectorLevel::Avx2: return &bicubicRowsAvx2;
+        case VectorLevel::Sse2: return &bicubicRowsSse2;
+        default: return nullptr;
+    }
 }
 
 }  // namespace brushwork

@@ -2,6 +2,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
+
+#include "tiled/bilinear_rows.h"
 
 namespace brushwork {
 namespace {
@@ -47,6 +50,31 @@ void BilinearFilter::sample4(std::uint8_t* out, double x, double y) {
     gather4(ix - 1, iy - 1, 2, 2, p);
     const Fractions fractions{fractionOf(x, ix), fractionOf(y, iy)};
     for (int c = 0; c < 4; ++c) out[c] = fractions.mix(p[c], p[4 + c], p[8 + c], p[12 + c]);
+}
+
+void BilinearFilter::sampleRow4(std::uint8_t* out, const SampleRow& row) {
+    const BilinearRows* const rows = bilinearRows();
+    if (!rows || !isTame(row)) {
+        noteKernelForm(VectorLevel::Scalar);
+        ResampleFilter::sampleRow4(out, row);
+        return;
+    }
+    double x = row.x;
+    double y = row.y;
+    BilinearChunk chunk;
+    std::uint8_t mixed[4 * chunkPlaces];
+    for (std::int32_t done = 0; done < row.count; done += chunkPlaces, out += 4 * chunkPlaces) {
+        const int count = std::min(row.count - done, chunkPlaces);
+        const int whole = (count + 7) & ~7;
+        takePlaces(row, whole, x, y, chunk);
+        rows->locate(chunk, whole);
+        if (!placeBlocks(chunk, whole, 2, -1)) {
+            std::memset(out, 0, static_cast<std::size_t>(count) * 4);
+            continue;
+        }
+        rows->mix(chunk, whole, mixed);
+        std::memcpy(out, mixed, static_cast<std::size_t>(count) * 4);
+    }
 }
 
 }  // namespace brushwork

@@ -16,6 +16,7 @@ class BilinearFilter final : public ResampleFilter {
     [[nodiscard]] Ref<ResampleFilter> clone() const override;
     void sample1(std::uint8_t* out, double x, double y) override;
     void sample4(std::uint8_t* out, double x, double y) override;
+    void sampleRow4(std::uint8_t* out, const SampleRow& row) override;
 
   private:
     ~BilinearFilter() override = default;

@@ -21,6 +21,7 @@ class LanczosFilter final : public ResampleFilter {
     void setFootprint(std::int32_t w, std::int32_t h) override;
     void sample1(std::uint8_t* out, double x, double y) override;
     void sample4(std::uint8_t* out, double x, double y) override;
+    void sampleRow4(std::uint8_t* out, const SampleRow& row) override;
 
     [[nodiscard]] double scaleX() const { return scaleX_; }
     [[nodiscard]] double scaleY() const { return scaleY_; }

@@ -18,6 +18,7 @@
 #include "brushwork/resource.h"
 #include "tiled/edge_modes.h"
 #include "tiled/pixel_reader.h"
+#include "tiled/sample_chunk.h"
 
 namespace brushwork {
 
@@ -86,6 +87,18 @@ class ResampleFilter : public Resource {
                  std::uint8_t* out) const;
     void gather4(std::int32_t x, std::int32_t y, std::int32_t w, std::int32_t h,
                  std::uint8_t* out) const;
+    // The same with rows `stride` bytes apart.
+    void gather4(std::int32_t x, std::int32_t y, std::int32_t w, std::int32_t h, std::uint8_t* out,
+                 std::size_t stride) const;
+    // Whether all places of a row are numbers within 2^28 of zero.
+    [[nodiscard]] static bool isTame(const SampleRow& row);
+    // The next places of a row: `x` and `y` move on.
+    static void takePlaces(const SampleRow& row, int count, double& x, double& y,
+                           SampleChunk& chunk);
+    // Points `first` at the blocks of `side` by `side` pixels, 2 or 4, of the places up to `count`;
+    // `shift` leads from ix and iy to the block's corner. False: no block has a pixel.
+    [[nodiscard]] bool placeBlocks(SampleChunk& chunk, int count, std::int32_t side,
+                                   std::int32_t shift) const;
     // The first of `w` by `h` pixels of four bytes, in rows of 512 bytes, if they all lie in the
     // rectangle and in one block; else null.
     [[nodiscard]] const std::uint8_t* block4(std::int32_t x, std::int32_t y, std::int32_t w,
@@ -98,6 +111,26 @@ class ResampleFilter : public Resource {
     }
 
   private:
+    [[nodiscard]] bool isApart(std::int32_t x, std::int32_t y, std::int32_t w,
+                               std::int32_t h) const;
+    // The blocks that stand in one tile, by their corners.
+    struct BlockWindow {
+        std::int32_t left = 0, bottom = 0;
+        std::uint32_t width = 0, height = 0;
+        const std::uint8_t* corner = nullptr;
+
+        [[nodiscard]] bool has(std::int32_t x, std::int32_t y) const {
+            return static_cast<std::uint32_t>(x - left) < width &&
+                   static_cast<std::uint32_t>(y - bottom) < height;
+        }
+        [[nodiscard]] const std::uint8_t* at(std::int32_t x, std::int32_t y) const {
+            return corner + static_cast<std::uint32_t>(y - bottom) * blockStride +
+                   static_cast<std::uint32_t>(x - left) * 4;
+        }
+    };
+    [[nodiscard]] BlockWindow windowAt(std::int32_t x, std::int32_t y, std::int32_t side) const;
+    [[nodiscard]] const std::uint8_t* acrossTiles(std::int32_t x, std::int32_t y, std::int32_t side,
+                                                  std::uint8_t* room) const;
     void gatherRun4(std::int32_t x, std::int32_t y, std::int32_t w, std::uint8_t* out) const;
 
     std::int32_t type_;
