@@ -91,17 +91,15 @@ void BicubicFilter::sampleRow4(std::uint8_t* out, const SampleRow& row) {
             continue;
         }
         std::uint8_t* const to = count == whole ? out : sampled;
-        Unsettled unsettled;
-        rows->sum(chunk, whole, to, unsettled);
-        for (int n = 0; n < whole; n += 8) {
-            std::uint32_t bits = 0;
-            std::memcpy(&bits, unsettled.bits + n / 2, sizeof bits);
-            while (bits != 0) {
-                const int lane = std::countr_zero(bits) / 4;
-                bits &= ~(0xFu << 4 * lane);
-                sampleExactly(*cubicSums(level), chunk, n + lane, to + 4 * (n + lane));
+        const Unsettled unsettled = rows->sum(chunk, whole, to);
+        const auto again = [&](std::uint32_t places, int odd) {
+            for (; places != 0; places &= places - 1) {
+                const int n = 2 * std::countr_zero(places) + odd;
+                sampleExactly(*cubicSums(level), chunk, n, to + 4 * n);
             }
-        }
+        };
+        again(unsettled.even, 0);
+        again(unsettled.odd, 1);
         if (to == sampled) std::memcpy(out, sampled, static_cast<std::size_t>(count) * 4);
     }
 }

@@ -20,16 +20,17 @@ struct BicubicChunk : SampleChunk {
     alignas(32) float fy[chunkPlaces];
 };
 
-// Four bits a place, one a channel that isn't settled; two places a byte, the lower bits first.
+// The places that aren't settled: bit n for number 2 n, and for number 2 n + 1.
 struct Unsettled {
-    std::uint8_t bits[chunkPlaces / 2];
+    std::uint32_t even = 0, odd = 0;
 };
+static_assert(chunkPlaces <= 64);
 
 // `count` is a multiple of 8, at most chunkPlaces; places lie within 2^28 of zero.
 struct BicubicRows {
     void (*locate)(BicubicChunk& chunk, int count);
     // Writes four bytes a place.
-    void (*sum)(const BicubicChunk& chunk, int count, std::uint8_t* out, Unsettled& unsettled);
+    Unsettled (*sum)(const BicubicChunk& chunk, int count, std::uint8_t* out);
 };
 
 // Null where samples are taken one by one: at VectorLevel::Scalar.

@@ -135,17 +135,20 @@ class BicubicWalk {
         locateAll(chunk.y, count, chunk.iy, chunk.fy);
     }
 
-    static void sum(const BicubicChunk& chunk, int count, std::uint8_t* out, Unsettled& unsettled) {
+    static Unsettled sum(const BicubicChunk& chunk, int count, std::uint8_t* out) {
         noteKernelForm(L::level);
         Weights weights;
         for (int n = 0; n < count; n += L::count) weigh(chunk, n, weights);
-        std::uint8_t* bits = unsettled.bits;
+        // Four bits a place.
+        alignas(32) std::uint8_t lanes[chunkPlaces / 2] = {};
+        std::uint8_t* bits = lanes;
         for (int n = 0; n < count; n += 2 * L::pixels, out += 8 * L::pixels) {
             const Sampled a = sumOf(chunk, weights, n);
             const Sampled b = sumOf(chunk, weights, n + L::pixels);
             L::storePixels(out, a.whole, b.whole);
             bits = L::storeBits(bits, a.unsettled, b.unsettled);
         }
+        return {L::bytesWith(lanes, 0x0F), L::bytesWith(lanes, 0xF0)};
     }
 };
 

@@ -16,6 +16,19 @@ class CubicSumsWalk {
         return D::select(d, 1, inner, D::select(d, 2, outer, D(0)));
     }
 
+    [[gnu::always_inline]] static D sumOf(const CubicBlock& block, std::int32_t width,
+                                          std::int32_t height) {
+        D sum(0);
+        const std::uint8_t* row = block.first;
+        for (std::int32_t j = 0; j < height; ++j, row += block.stride) {
+            D across(0);
+            for (std::int32_t i = 0; i < width; ++i)
+                across = across + D::ofPixel(row + 4 * i) * D(block.weightsX[i]);
+            sum = sum + across * D(block.weightsY[j]);
+        }
+        return sum;
+    }
+
   public:
     static void weigh(double start, double scale, std::int32_t count, double* weights) {
         for (std::int32_t i = 0; i < count; i += 4)
@@ -24,14 +37,9 @@ class CubicSumsWalk {
 
     static void sum4(const CubicBlock& block, std::uint8_t* out) {
         noteKernelForm(D::level);
-        D sum(0);
-        const std::uint8_t* row = block.first;
-        for (std::int32_t j = 0; j < block.height; ++j, row += block.stride) {
-            D across(0);
-            for (std::int32_t i = 0; i < block.width; ++i)
-                across = across + D::ofPixel(row + 4 * i) * D(block.weightsX[i]);
-            sum = sum + across * D(block.weightsY[j]);
-        }
+        // The size of most blocks, unrolled.
+        const bool four = block.width == 4 && block.height == 4;
+        const D sum = four ? sumOf(block, 4, 4) : sumOf(block, block.width, block.height);
         (sum * D(block.factor) + D(1e-8)).storeBytes(out);
     }
 };

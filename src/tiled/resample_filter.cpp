@@ -4,6 +4,7 @@
 #include <array>
 #include <bit>
 #include <cmath>
+#include <cstdlib>
 #include <cstring>
 
 namespace brushwork {
@@ -219,26 +220,50 @@ const std::uint8_t* ResampleFilter::acrossTiles(std::int32_t x, std::int32_t y, 
 }
 
 // The places of a row lie on a line: if the ends of a run lie in the window, all of it does.
+int ResampleFilter::placeRun(const BlockWindow& window, SampleChunk& chunk, int n, int count,
+                             std::int32_t shift) {
+    const auto has = [&](int at) { return window.has(chunk.ix[at] + shift, chunk.iy[at] + shift); };
+    int end = count;
+    if (!has(count - 1)) {
+        int last = n;  // has it
+        for (int out = count - 1; out - last > 1;) {
+            const int middle = (last + out) / 2;
+            (has(middle) ? last : out) = middle;
+        }
+        end = last + 1;
+    }
+    // Modulo the size of an address.
+    const auto offsetOf = [](std::int32_t x, std::int32_t y) {
+        return static_cast<std::size_t>(y) * blockStride + static_cast<std::size_t>(x) * 4;
+    };
+    const std::size_t base = offsetOf(window.left - shift, window.bottom - shift);
+    const std::uint8_t* const corner = window.corner;
+    for (; n < end; ++n) chunk.first[n] = corner + (offsetOf(chunk.ix[n], chunk.iy[n]) - base);
+    return end;
+}
+
 bool ResampleFilter::placeBlocks(SampleChunk& chunk, int count, std::int32_t side,
                                  std::int32_t shift) const {
     static constexpr std::uint8_t nothing[4 * blockStride] = {};
+    // The box around all blocks.
+    const std::int32_t endX = chunk.ix[count - 1];
+    const std::int32_t endY = chunk.iy[count - 1];
+    if (!words_ ||
+        isApart(std::min(chunk.ix[0], endX) + shift, std::min(chunk.iy[0], endY) + shift,
+                std::abs(endX - chunk.ix[0]) + side, std::abs(endY - chunk.iy[0]) + side))
+        return false;
     BlockWindow window;
-    int apart = 0;
     for (int n = 0; n < count;) {
         const std::int32_t x = chunk.ix[n] + shift;
         const std::int32_t y = chunk.iy[n] + shift;
-        if (words_ && !window.has(x, y)) window = windowAt(x, y, side);
-        if (window.has(x, y)) {
-            int end = count;
-            while (!window.has(chunk.ix[end - 1] + shift, chunk.iy[end - 1] + shift))
-                end = n + (end - n) / 2;
-            for (; n < end; ++n)
-                chunk.first[n] = window.at(chunk.ix[n] + shift, chunk.iy[n] + shift);
+        const bool whole = (x & tileMask) <= tileSide - side && (y & tileMask) <= tileSide - side;
+        if (whole && !window.has(x, y)) window = windowAt(x, y, side);
+        if (whole && window.has(x, y)) {
+            n = placeRun(window, chunk, n, count, shift);
             continue;
         }
-        if (!words_ || isApart(x, y, side, side)) {
+        if (isApart(x, y, side, side)) {
             chunk.first[n++] = nothing;
-            ++apart;
             continue;
         }
         std::uint8_t* const room = chunk.roomOf(n);
@@ -249,7 +274,7 @@ bool ResampleFilter::placeBlocks(SampleChunk& chunk, int count, std::int32_t sid
         }
         ++n;
     }
-    return apart < count;
+    return true;
 }
 
 // Part of a row within the rectangle, cell by cell.

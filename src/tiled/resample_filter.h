@@ -96,7 +96,8 @@ class ResampleFilter : public Resource {
     static void takePlaces(const SampleRow& row, int count, double& x, double& y,
                            SampleChunk& chunk);
     // Points `first` at the blocks of `side` by `side` pixels, 2 or 4, of the places up to `count`;
-    // `shift` leads from ix and iy to the block's corner. False: no block has a pixel.
+    // `shift` leads from ix and iy to the block's corner. False, with nothing placed: no block
+    // has a pixel.
     [[nodiscard]] bool placeBlocks(SampleChunk& chunk, int count, std::int32_t side,
                                    std::int32_t shift) const;
     // The first of `w` by `h` pixels of four bytes, in rows of 512 bytes, if they all lie in the
@@ -123,12 +124,11 @@ class ResampleFilter : public Resource {
             return static_cast<std::uint32_t>(x - left) < width &&
                    static_cast<std::uint32_t>(y - bottom) < height;
         }
-        [[nodiscard]] const std::uint8_t* at(std::int32_t x, std::int32_t y) const {
-            return corner + static_cast<std::uint32_t>(y - bottom) * blockStride +
-                   static_cast<std::uint32_t>(x - left) * 4;
-        }
     };
     [[nodiscard]] BlockWindow windowAt(std::int32_t x, std::int32_t y, std::int32_t side) const;
+    // Blocks from number n on, which the window has, up to the first that it hasn't; answers that.
+    static int placeRun(const BlockWindow& window, SampleChunk& chunk, int n, int count,
+                        std::int32_t shift);
     [[nodiscard]] const std::uint8_t* acrossTiles(std::int32_t x, std::int32_t y, std::int32_t side,
                                                   std::uint8_t* room) const;
     void gatherRun4(std::int32_t x, std::int32_t y, std::int32_t w, std::uint8_t* out) const;

@@ -88,6 +88,14 @@ struct SampleLanesAvx2 {
         return out + 2;
     }
 
+    // Bit n: byte n of 32 has some of these bits.
+    static std::uint32_t bytesWith(const std::uint8_t* bytes, int some) {
+        const __m256i all = _mm256_load_si256(reinterpret_cast<const __m256i*>(bytes));
+        const __m256i kept = _mm256_and_si256(all, _mm256_set1_epi8(static_cast<char>(some)));
+        return ~static_cast<std::uint32_t>(
+            _mm256_movemask_epi8(_mm256_cmpeq_epi8(kept, _mm256_setzero_si256())));
+    }
+
     // The bytes of pixels 0 and 1 in `a`, of 2 and 3 in `b`, cut to 0 to 255.
     static void storePixels(std::uint8_t* out, Ints a, Ints b) {
         const __m256i words = _mm256_packs_epi32(a, b);

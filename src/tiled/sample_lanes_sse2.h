@@ -72,6 +72,16 @@ struct SampleLanesSse2 {
         return out + 1;
     }
 
+    static std::uint32_t bytesWith(const std::uint8_t* bytes, int some) {
+        const auto half = [=](int at) {
+            const __m128i all = _mm_load_si128(reinterpret_cast<const __m128i*>(bytes + at));
+            const __m128i kept = _mm_and_si128(all, _mm_set1_epi8(static_cast<char>(some)));
+            return static_cast<std::uint32_t>(
+                _mm_movemask_epi8(_mm_cmpeq_epi8(kept, _mm_setzero_si128())));
+        };
+        return ~(half(0) | half(16) << 16);
+    }
+
     static void storePixels(std::uint8_t* out, Ints a, Ints b) {
         const __m128i words = _mm_packs_epi32(a, b);
         _mm_storel_epi64(reinterpret_cast<__m128i*>(out), _mm_packus_epi16(words, words));
