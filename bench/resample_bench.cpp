@@ -1,6 +1,6 @@
 // Rotation and scaling of tiled images of 2048 x 2048 pixels of four bytes, on one thread
 // and on as many as there are processors, beside OpenCV and libvips on one thread each in the same
-// run, as far as the build has them. All take as many source pixels for a target pixel, from memory
+// run, as far as the build has them. All take as many source pixels a target pixel, from memory
 // to memory. libvips makes its target anew each time; its cache of results is off. Prints medians,
 // millions of target pixels a second and ratios.
 #include <cmath>
