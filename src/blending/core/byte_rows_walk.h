@@ -38,6 +38,15 @@ class ByteRowWalk {
         Formula::masked(w, w, w);
     };
 
+    // Sources that lie in memory come sooner than the processor would ask for them: it looks no
+    // further ahead than the end of a small page of memory, of which a row of pages has many.
+    static void fetchAhead(const std::uint8_t* source) {
+        constexpr std::uintptr_t bytes = 2048;
+        if constexpr (L::pixels > 1)
+            __builtin_prefetch(
+                reinterpret_cast<const void*>(reinterpret_cast<std::uintptr_t>(source) + bytes));
+    }
+
     using Ints = typename L::Ints;
     using Words = typename L::Words;
     // A register of pixels fills this many of words.
@@ -55,6 +64,7 @@ class ByteRowWalk {
         std::uint8_t* target = row.hi;
         std::size_t left = row.count;
         for (; left >= L::pixels; left -= L::pixels) {
+            fetchAhead(source);
             const Ints s = L::load(source);
             if (Formula::emptySource == Empty::Blend || !L::isAllZero(s)) {
                 if (Formula::copiesOpaque && L::isOpaque(s))
@@ -80,6 +90,7 @@ class ByteRowWalk {
         std::uint8_t* target = row.hi;
         std::size_t left = row.count;
         for (; left >= L::pixels; left -= L::pixels) {
+            fetchAhead(source);
             if (Formula::emptyMask == Empty::Blend || !L::isMaskEmpty(mask)) {
                 const Ints s = L::load(source);
                 if (Formula::emptySourceMasked == Empty::Blend || !L::isAllZero(s))
