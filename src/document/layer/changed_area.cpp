@@ -9,6 +9,16 @@ bool coversGround(ilImage& image) {
     return false;
 }
 
+bool coversGround(Layer& layer) {
+    if (auto* const group = dynamic_cast<LayerParent*>(&layer)) {
+        bool covers = false;
+        group->eachMember([&](Layer& member) { covers = covers || coversGround(member); });
+        return covers;
+    }
+    ilImage* const color = layer.holdsShapes() ? nullptr : layer.colorImageRef();
+    return color && coversGround(*color);
+}
+
 ChangedArea::ChangedArea(Layer& layer) : layer_(layer) {
     add();
 }

@@ -27,5 +27,7 @@ class ChangedArea {
 
 // Whether what nobody has painted shows: the fill isn't empty.
 [[nodiscard]] bool coversGround(ilImage& image);
+// Of a layer that isn't attenuated there, or of one in a group, at any depth.
+[[nodiscard]] bool coversGround(Layer& layer);
 
 }  // namespace brushwork

@@ -31,19 +31,6 @@ void addContent(LayerGroup& group, ilPageTileManager& area) {
     }
 }
 
-// Whether a member, at any depth, covers what lies outside its box, too.
-bool coversGround(LayerGroup& group) {
-    for (Layer* child = group.firstChild(); child; child = child->next.get()) {
-        if (LayerGroup* const inner = child->asGroup()) {
-            if (coversGround(*inner)) return true;
-        } else if (!child->holdsShapes()) {
-            ilImage* const color = child->colorImageRef();
-            if (color && brushwork::coversGround(*color)) return true;
-        }
-    }
-    return false;
-}
-
 bool takesPart(Layer& child, const GroupRenderRequest& request) {
     if ((child.flags() & request.flagMask) == 0 || !(child.opacity() > invisibleEnough))
         return false;

@@ -1,18 +1,11 @@
 #include "document/stack/blend_run.h"
 
 #include "blending/modes/blender_registry.h"
-#include "image/smart/il_smart_image.h"
 
 namespace brushwork {
 namespace {
 
 constexpr std::int32_t pixelsOfAPage = 128;
-
-// Pages that nobody has touched show the fill.
-bool isKnownClear(ilSmartImage& source, const ilTile& box, bool fillIsClear) {
-    const AlphaClass known = source.alphaClassOf(box, false);
-    return known == AlphaClass::Clear || (known == AlphaClass::NoPage && fillIsClear);
-}
 
 bool hasClearFill(ilSmartImage& source) {
     const ilPixel fill = source.fill();
@@ -26,7 +19,6 @@ std::int32_t floorToPage(std::int32_t place) {
 // The parts of a box that lie on pages of the source with something on them, joined along rows.
 void addFilledParts(ilSmartImage& source, const BlendRun& run, const ilTile& box,
                     npc::TileSet& parts) {
-    const bool fillIsClear = hasClearFill(source);
     ilTile inside = box;
     inside.x -= run.sourceX;
     inside.y -= run.sourceY;
@@ -34,7 +26,7 @@ void addFilledParts(ilSmartImage& source, const BlendRun& run, const ilTile& box
         ilTile row = flatTile(0, 0, 0, 0);
         for (std::int32_t x = floorToPage(inside.x); x < inside.endX(); x += pixelsOfAPage) {
             const ilTile part = intersection(flatTile(x, y, pixelsOfAPage, pixelsOfAPage), inside);
-            if (isKnownClear(source, part, fillIsClear)) continue;
+            if (isKnownClear(source, part)) continue;
             const ilTile placed =
                 flatTile(part.x + run.sourceX, part.y + run.sourceY, part.nx, part.ny);
             if (!row.isEmpty() && row.endX() == placed.x) {
@@ -48,7 +40,11 @@ void addFilledParts(ilSmartImage& source, const BlendRun& run, const ilTile& box
     }
 }
 
-std::shared_ptr<npc::GenericBlender> blenderFor(const BlendRun& run) {
+std::uint64_t runCount = 0;
+
+}  // namespace
+
+std::shared_ptr<npc::GenericBlender> blenderOf(const BlendRun& run) {
     auto blender = npc::createBlender(run.mode);
     if (!blender) return nullptr;
     blender->setDestination(run.target, run.targetX, run.targetY);
@@ -58,9 +54,15 @@ std::shared_ptr<npc::GenericBlender> blenderFor(const BlendRun& run) {
     return blender;
 }
 
-std::uint64_t runCount = 0;
+// Pages that nobody has touched show the fill.
+bool isKnownClear(ilSmartImage& source, const ilTile& box) {
+    const AlphaClass known = source.alphaClassOf(box, false);
+    return known == AlphaClass::Clear || (known == AlphaClass::NoPage && hasClearFill(source));
+}
 
-}  // namespace
+void noteBlendRun() {
+    ++runCount;
+}
 
 bool keepsUnderNothing(std::int32_t mode) {
     return mode < static_cast<std::int32_t>(BlendModeId::Replace);
@@ -84,10 +86,10 @@ bool blend(const BlendRun& run, const npc::TileSet& boxes) {
     if (sparse)
         for (const ilTile& box : boxes) addFilledParts(*smart, run, box, parts);
     if (sparse && parts.empty()) return false;
-    const auto blender = blenderFor(run);
+    const auto blender = blenderOf(run);
     if (!blender) return false;
     blender->run(sparse ? parts : boxes);
-    ++runCount;
+    noteBlendRun();
     return true;
 }
 

@@ -8,11 +8,13 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 
-#include "blending/core/blender.h"
+#include "blending/core/generic_blender.h"
 #include "brushwork/il_tile.h"
 #include "image/chain/il_image.h"
 #include "image/chain/il_page_tile_manager.h"
+#include "image/smart/il_smart_image.h"
 
 namespace brushwork {
 
@@ -33,6 +35,13 @@ struct BlendRun {
 // False, with nothing drawn, for a mode that is none, and if nothing is left to draw.
 bool blend(const BlendRun& run, const ilTile& box);
 bool blend(const BlendRun& run, const npc::TileSet& boxes);
+
+// The blender of such a run, its images bound; null for a mode that is none.
+[[nodiscard]] std::shared_ptr<npc::GenericBlender> blenderOf(const BlendRun& run);
+// Whether pages that nobody has touched, or that are known to be empty, are all that is there.
+[[nodiscard]] bool isKnownClear(ilSmartImage& source, const ilTile& box);
+// Counts a run that was made by such a blender.
+void noteBlendRun();
 
 // Runs that drew something, since the process began. For cost models and tests.
 [[nodiscard]] std::uint64_t blendRunCount();

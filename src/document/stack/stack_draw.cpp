@@ -2,12 +2,15 @@
 
 #include <algorithm>
 #include <cstring>
+#include <optional>
 #include <vector>
 
 #include "blending/paint/soft_paint_ops.h"
+#include "document/layer/changed_area.h"
 #include "document/layer/document_switches.h"
 #include "document/layer/layer_boxes.h"
 #include "document/stack/blend_run.h"
+#include "document/stack/prepared_blend.h"
 #include "document/stack/stack_lookup.h"
 #include "document/stack/stack_raster.h"
 
@@ -78,16 +81,87 @@ npc::TileSet boxesOf(const LayerDraw& draw, const ilTile& area) {
 // Blocks of whole pages that fit beside their sources into a core's cache.
 constexpr std::int32_t blockX = 512, blockY = 256;
 
+// One of several plain layers that are drawn together.
+struct BlockLayer {
+    Layer* layer;
+    std::optional<PreparedBlend> blend;  // none: drawn for each block
+    ilTile area;
+};
+
+BlockLayer blockLayer(Layer& layer, ilImage& target, const LayerDraw& draw) {
+    BlockLayer ready{&layer, {}, {}};
+    layer.prepareForRender(nullptr, false);
+    layer.refreshClip();
+    ilSmartImage* const color = layer.smartColor();
+    const bool asItStands = color && color->channels() == 4 && !layer.wet().image &&
+                            layer.role() == LayerRole::Paint && layer.isEmptyMask();
+    if (!asItStands || (layer.flags() & draw.flagMask) == 0 || draw.useOrigin || draw.clipLayer)
+        return ready;
+    BlendRun run;
+    run.target = &target;
+    run.source = color;
+    layer.offsetInt(&run.sourceX, &run.sourceY);
+    run.mode = layer.blendMode();
+    run.opacity = draw.ownOpacity ? layer.opacity() : layer.inheritedOpacity();
+    ready.blend.emplace(run, *color);
+    ready.area = areaOf(layer, draw.box);
+    return ready;
+}
+
+constexpr std::int32_t pageX = 128, pageY = 128;
+
+// In each page of the block from the topmost layer on that hides all below it there.
+bool drawBlock(StackParts& stack, std::span<BlockLayer> layers, PaintOps& target,
+               const LayerDraw& draw) {
+    struct Cell {
+        ilTile box;
+        std::size_t lowest = 0;  // of the layers that show there
+        bool hides = false;      // the lowest one does, all below
+    };
+    std::vector<Cell> cells;
+    for (std::int32_t y = draw.box.y & ~(pageY - 1); y < draw.box.endY(); y += pageY)
+        for (std::int32_t x = draw.box.x & ~(pageX - 1); x < draw.box.endX(); x += pageX)
+            cells.push_back({intersection(flatTile(x, y, pageX, pageY), draw.box)});
+    std::size_t first = layers.size();
+    for (Cell& cell : cells) {
+        for (std::size_t n = layers.size(); n-- > 0 && !cell.hides;) {
+            BlockLayer& each = layers[n];
+            cell.hides = each.blend && each.area.contains(cell.box) && each.blend->hides(cell.box);
+            cell.lowest = cell.hides ? n : 0;
+        }
+        first = std::min(first, cell.lowest);
+    }
+    bool drawn = false;
+    for (std::size_t n = first; n < layers.size(); ++n) {
+        BlockLayer& each = layers[n];
+        if (!each.blend) {
+            drawn = drawLayer(stack, each.layer, target, draw) || drawn;
+            continue;
+        }
+        for (const Cell& cell : cells) {
+            const ilTile part = intersection(cell.box, each.area);
+            if (n < cell.lowest || part.isEmpty()) continue;
+            const bool replaces = cell.hides && n == cell.lowest;
+            if (!replaces || !each.blend->share(part)) each.blend->add(part);
+        }
+        drawn = each.blend->run() || drawn;
+    }
+    return drawn;
+}
+
 bool drawBlocks(StackParts& stack, std::span<Layer* const> layers, PaintOps& target,
                 const LayerDraw& whole) {
     LayerDraw draw = whole;
     draw.refreshThumbnail = false;
     bool drawn = false;
     const ilTile& box = whole.box;
+    std::vector<BlockLayer> ready;
+    ready.reserve(layers.size());
+    for (Layer* layer : layers) ready.push_back(blockLayer(*layer, *target.image(), whole));
     for (std::int32_t y = box.y & ~(blockY - 1); y < box.endY(); y += blockY)
         for (std::int32_t x = box.x & ~(blockX - 1); x < box.endX(); x += blockX) {
             draw.box = intersection(flatTile(x, y, blockX, blockY), box);
-            for (Layer* layer : layers) drawn = drawLayer(stack, layer, target, draw) || drawn;
+            drawn = drawBlock(stack, ready, target, draw) || drawn;
         }
     if (whole.refreshThumbnail)
         for (Layer* layer : layers) static_cast<void>(layer->thumbnailImage(nullptr, 0, 0));
@@ -115,20 +189,14 @@ GroupRenderRequest requestOf(const LayerDraw& draw) {
     return request;
 }
 
-}  // namespace
-
-bool isDrawable(Layer& layer) {
-    return layer.isDrawable();
-}
-
-bool drawLayer(StackParts& stack, Layer* layer, PaintOps& target, const LayerDraw& draw) {
-    static_cast<void>(stack);
+// With that opacity, which a pass-through group leaves to its members.
+bool drawAs(Layer* layer, PaintOps& target, const LayerDraw& draw, float opacity) {
     ilImage* const image = target.image();
     if (!layer || !image || (layer->flags() & draw.flagMask) == 0) return false;
     BlendRun run;
     run.target = image;
     run.mode = layer->blendMode();
-    run.opacity = draw.ownOpacity ? layer->opacity() : layer->inheritedOpacity();
+    run.opacity = opacity;
     if (draw.useOrigin) {
         run.targetX = -draw.originX;
         run.targetY = -draw.originY;
@@ -163,6 +231,53 @@ bool drawLayer(StackParts& stack, Layer* layer, PaintOps& target, const LayerDra
     }
     if (draw.refreshThumbnail) static_cast<void>(layer->thumbnailImage(nullptr, 0, 0));
     return drawn;
+}
+
+// All that layers draw, what holds them back included; beyond it each is of one colour.
+ilTile reachOf(Layer& layer) {
+    ilTile reach;
+    if (LayerGroup* const group = layer.asGroup()) {
+        group->eachMember([&](Layer& member) { reach = unionOf(reach, reachOf(member)); });
+        return reach;
+    }
+    layer.refreshClip();
+    layer.contentBounds(reach, true);
+    std::int32_t x = 0;
+    std::int32_t y = 0;
+    layer.offsetInt(&x, &y);
+    for (ilImage* const image : {layer.stencilImage(), layer.clipImage()})
+        reach = unionOf(reach, moved(boundsOf(image), x, y));
+    return reach;
+}
+
+ilTile toPages(const ilTile& box) {
+    constexpr std::int32_t side = 128;
+    const std::int32_t x = box.x & ~(side - 1);
+    const std::int32_t y = box.y & ~(side - 1);
+    return flatTile(x, y, ((box.endX() + side - 1) & ~(side - 1)) - x,
+                    ((box.endY() + side - 1) & ~(side - 1)) - y);
+}
+
+void drawAll(std::span<Layer* const> layers, std::span<const float> opacities, ilSmartImage& image,
+             const ilTile& box) {
+    const Ref<SoftPaintOps> painter(new SoftPaintOps(&image));
+    LayerDraw draw;
+    draw.box = box;
+    for (std::size_t n = 0; n < layers.size() && n < opacities.size(); ++n)
+        drawAs(layers[n], *painter, draw, opacities[n]);
+}
+
+}  // namespace
+
+bool isDrawable(Layer& layer) {
+    return layer.isDrawable();
+}
+
+bool drawLayer(StackParts& stack, Layer* layer, PaintOps& target, const LayerDraw& draw) {
+    static_cast<void>(stack);
+    if (!layer) return false;
+    return drawAs(layer, target, draw,
+                  draw.ownOpacity ? layer->opacity() : layer->inheritedOpacity());
 }
 
 bool drawLayers(StackParts& stack, std::span<Layer* const> layers, PaintOps& target,
@@ -202,31 +317,26 @@ void gatherVisible(const LayerChain& chain, float opacity, std::vector<Layer*>& 
 Ref<ilSmartImage> composeLayers(StackParts& stack, std::span<Layer* const> layers,
                                 std::span<const float> opacities) {
     static_cast<void>(stack);
-    const Ref<ilSmartImage> image = blankImage();
-    for (std::size_t n = 0; n < layers.size() && n < opacities.size(); ++n) {
-        Layer& layer = *layers[n];
-        BlendRun run;
-        run.target = image.get();
-        run.mode = layer.blendMode();
-        run.opacity = opacities[n];
-        ilTile box;
-        if (LayerGroup* const group = layer.asGroup()) {
-            GroupRenderRequest request;
-            request.tag = 0;
-            layer.contentBounds(request.tileBox, true);
-            const Ref<ilImage> cache = group->renderGroup(request);
-            if (!cache) continue;
-            run.source = cache.get();
-            blend(run, boundsOf(cache.get()));
-            continue;
-        }
-        layer.prepareForRender(nullptr, false);
-        layer.refreshClip();
-        layer.contentBounds(box, true);
-        npc::TileSet boxes;
-        if (!box.isEmpty()) boxes.insert(box);
-        blendPlain(layer, run, boxes, 0, 0);
+    ilTile reach;
+    bool covers = false;
+    for (Layer* layer : layers) {
+        layer->prepareForRender(nullptr, false);
+        reach = unionOf(reach, reachOf(*layer));
+        covers = covers || coversGround(*layer);
     }
+    reach.nz = 1;
+    Ref<ilSmartImage> image = blankImage();
+    if (covers) {
+        // One pixel of what lies beyond tells the fill; within, nothing shows that.
+        reach = toPages(reach);
+        const std::int32_t x = reach.endX();
+        const std::int32_t y = reach.y;
+        drawAll(layers, opacities, *image, flatTile(x, y, 1, 1));
+        const std::uint32_t beyond = image->getPixel(x, y);
+        image = Ref<ilSmartImage>(new ilSmartImage(ilPixel(TypeUChar, 4, &beyond)));
+        image->fillRegion(reach, ilPixel(TypeUChar, 4));
+    }
+    if (!reach.isEmpty()) drawAll(layers, opacities, *image, reach);
     image->shrinkBounds();
     return image;
 }
