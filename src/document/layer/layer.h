@@ -238,6 +238,8 @@ class Layer : public Resource {
     void flipImage(bool horizontal, bool vertical);
     void rotateImage(bool other);
     [[nodiscard]] Ref<ilSmartImage> copyOfColor(std::int32_t margin);
+    // Resamples about the document's corner: a place p goes to p * scale.
+    bool scaleBy(float scale, SampleMode mode);
 
     // The live stroke.
     [[nodiscard]] const WetBuffers& wet() const { return wet_; }
@@ -297,6 +299,12 @@ class Layer : public Resource {
   protected:
     // For derived classes: a plain layer's start without images.
     Layer(LayerRole role, std::uint32_t flags);
+
+    // Its own pixels as they show, with the opacities around: what a thumbnail is reduced from
+    // where the view's levels don't serve.
+    [[nodiscard]] virtual Ref<ilImage> thumbnailSource();
+    // Of a member, when its group goes.
+    static void groupGoes(Layer& member) { member.aboutToRelease(); }
 
     LayerImages images_;
     WetBuffers wet_;

@@ -9,6 +9,14 @@
 namespace brushwork {
 namespace {
 
+// So many cells aren't worth remembering one by one: what members hold is found faster.
+constexpr std::size_t mostDirtyCells = 4096;
+
+bool isVast(const ilTile& box) {
+    constexpr std::int64_t side = 128;
+    return (box.nx / side + 2) * (box.ny / side + 2) > std::int64_t{mostDirtyCells};
+}
+
 Ref<ilImage> blankImage() {
     return Ref<ilImage>(new ilSmartImage(ilPixel(TypeUChar, 4)));
 }
@@ -44,6 +52,11 @@ LayerGroup::~LayerGroup() {
     for (Layer* child = firstChild(); child; child = child->next.get()) child->parent = nullptr;
 }
 
+void LayerGroup::aboutToRelease() {
+    Layer::aboutToRelease();
+    eachMember([](Layer& child) { groupGoes(child); });
+}
+
 void LayerGroup::resetGroup(const znString::IString& name) {
     for (Layer* child = firstChild(); child; child = child->next.get()) child->parent = nullptr;
     children_.clear();
@@ -55,8 +68,11 @@ void LayerGroup::resetGroup(const znString::IString& name) {
 }
 
 void LayerGroup::markCache(const ilTile* box) {
-    if (!box)
-        cacheDirty_ = true;
+    cacheDirty_ =
+        cacheDirty_ || !box || isVast(*box) || dirtyTiles_.cells().size() > mostDirtyCells;
+    // All of it is drawn anew, wherever.
+    if (cacheDirty_)
+        dirtyTiles_.clear();
     else
         dirtyTiles_.addTile(*box);
 }
@@ -134,6 +150,18 @@ ilImage* LayerGroup::colorImageRef() {
         cacheDirty_ = true;
     }
     return images_.color.get();
+}
+
+Ref<ilImage> LayerGroup::thumbnailSource() {
+    if (!isPassThrough()) return Layer::thumbnailSource();
+    const Ref<ilSmartImage> picture(new ilSmartImage(ilPixel(TypeUChar, 4)));
+    GroupRenderRequest request;
+    request.tag = cacheTag_;
+    request.target = picture;
+    contentBounds(request.tileBox, true);
+    static_cast<void>(renderGroup(std::move(request)));
+    picture->shrinkBounds();
+    return picture;
 }
 
 void LayerGroup::setOpacity(float opacity) {
@@ -277,6 +305,15 @@ Layer* LayerGroup::childAt(std::int32_t index, bool recursive) const {
 
 Layer* LayerGroup::childById(std::int32_t id, bool recursive) const {
     return children_.byId(id, recursive);
+}
+
+bool LayerGroup::scaleInto(float scale, SampleMode mode) {
+    bool done = true;
+    eachMember([&](Layer& child) {
+        LayerGroup* const group = child.asGroup();
+        done = (group ? group->scaleInto(scale, mode) : child.scaleBy(scale, mode)) && done;
+    });
+    return done;
 }
 
 // The members that show through this group take its opacity and visibility with them.

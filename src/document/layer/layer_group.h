@@ -20,6 +20,10 @@ class LayerGroup : public Layer, public LayerParent {
 
   protected:
     ~LayerGroup() override;
+    // Its members are told, too.
+    void aboutToRelease() override;
+    // Of a pass-through group its members together, where they have pixels.
+    [[nodiscard]] Ref<ilImage> thumbnailSource() override;
 
   public:
     [[nodiscard]] LayerGroup* asGroup() override { return this; }
@@ -70,6 +74,8 @@ class LayerGroup : public Layer, public LayerParent {
     [[nodiscard]] std::int32_t indexOf(std::int32_t id, bool recursive) const;
     [[nodiscard]] Layer* childAt(std::int32_t index, bool recursive) const;
     [[nodiscard]] Layer* childById(std::int32_t id, bool recursive) const;
+    // Scales the members, at any depth, about the document's corner; false if one couldn't be.
+    bool scaleInto(float scale, SampleMode mode);
     // Drops children and cache; a pass-through group of that name.
     void resetGroup(const znString::IString& name);
 

@@ -48,6 +48,10 @@ ilTile levelBox(const ilTile& box, float scale) {
 
 }  // namespace
 
+Ref<ilImage> Layer::thumbnailSource() {
+    return effectiveImage(nullptr, nullptr, true, true);
+}
+
 bool Layer::isThumbnailCurrent(const ilTile* box, std::int32_t x, std::int32_t y) const {
     return !thumbnail_.dirty && thumbnail_.image && thumbnail_.bounds == shownBox(box) &&
            thumbnail_.offsetX == x && thumbnail_.offsetY == y;
@@ -86,7 +90,7 @@ ilSPMemoryImg* Layer::thumbnailImage(const ilTile* box, std::int32_t x, std::int
         refreshViewLevels(0);
         source = view_.source;
     } else {
-        source = effectiveImage(nullptr, nullptr, true, true);
+        source = thumbnailSource();
     }
     ilTile shown = boundsOf(source.get());
     if (shown.isEmpty()) shown = flatTile(shown.x, shown.y, 1, 1);

@@ -168,6 +168,20 @@ bool Layer::affineResample(const TransformRecord& record, SampleMode quality) {
     return LayerAccess::commit(*this, resampledBy(original, placed, quality, Edges::Exact));
 }
 
+bool Layer::scaleBy(float scale, SampleMode mode) {
+    TransformRecord record;
+    record.scaleX = scale;
+    record.scaleY = scale;
+    const bool hadPivot = pivotSet();
+    float x = 0.0f;
+    float y = 0.0f;
+    pivot(&x, &y);
+    setPivot(0.0f, 0.0f, true);
+    const bool done = affineResample(record, mode);
+    setPivot(x * scale, y * scale, hadPivot);
+    return done;
+}
+
 bool Layer::perspectiveWarp(const QuadCorners& corners, SampleMode quality) {
     const LayerAccess closed(*this);
     const Original original = closed.original();

@@ -90,23 +90,8 @@ void activateAs(StackParts& to, const StackParts& from) {
 }
 
 bool scaleLayer(Layer& layer, float scale, SampleMode mode) {
-    if (LayerGroup* const group = layer.asGroup()) {
-        bool done = true;
-        group->eachMember([&](Layer& member) { done = scaleLayer(member, scale, mode) && done; });
-        return done;
-    }
-    // About the document's corner: a place p goes to p * scale.
-    TransformRecord record;
-    record.scaleX = scale;
-    record.scaleY = scale;
-    const bool hadPivot = layer.pivotSet();
-    float x = 0.0f;
-    float y = 0.0f;
-    layer.pivot(&x, &y);
-    layer.setPivot(0.0f, 0.0f, true);
-    const bool done = layer.affineResample(record, mode);
-    layer.setPivot(x * scale, y * scale, hadPivot);
-    return done;
+    LayerGroup* const group = layer.asGroup();
+    return group ? group->scaleInto(scale, mode) : layer.scaleBy(scale, mode);
 }
 
 }  // namespace

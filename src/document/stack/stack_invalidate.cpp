@@ -35,8 +35,11 @@ Side sideOf(const StackParts& stack, const Layer& layer) {
 
 void invalidateRect(StackParts& stack, const ilTile& box) {
     if (hasSize(box) && documentSwitches().compositeCacheEnabled) {
-        stack.damage.tiles.addTile(flatTile(box.x, box.y, box.nx, box.ny));
-        stack.damage.dirty = unionOf(stack.damage.dirty, flatTile(box.x, box.y, box.nx, box.ny));
+        // However far it reaches, only what the canvas shows is remembered.
+        const ilTile flat = clippedToLimit(flatTile(box.x, box.y, box.nx, box.ny));
+        stack.damage.tiles.addTile(stack.plane.image ? intersection(flat, stack.plane.canvasBounds)
+                                                     : flat);
+        stack.damage.dirty = unionOf(stack.damage.dirty, flat);
     }
     hostDirtyRect(activeOne, activeOne, hostBox(box));
 }
@@ -45,7 +48,7 @@ void accumulateDirty(StackParts& stack, const ilTile& box, Layer& layer) {
     std::int32_t x = 0;
     std::int32_t y = 0;
     layer.offsetInt(&x, &y);
-    ilTile placed = flatTile(box.x + x, box.y + y, box.nx, box.ny);
+    ilTile placed = moved(clippedToLimit(flatTile(box.x, box.y, box.nx, box.ny)), x, y);
     layer.propagateChange(true, &placed);
     hostLayerDirtyRect(layer.id(), hostBox(placed));
     stack.damage.layers = unionOf(stack.damage.layers, placed);

@@ -352,5 +352,38 @@ TEST(GroupRender, AMaskedStrokeShowsAtItsDepth) {
     EXPECT_EQ(bytesOf(live.get(), request.tileBox), bytesOf(after.get(), request.tileBox));
 }
 
+TEST(GroupRender, AThumbnailShowsTheMembersOfAPassThroughGroup) {
+    const Ref<ilSmartImage> image = blank(4);
+    paintSolid(*image, flatTile(0, 0, 30, 20), {10, 20, 30, 200});
+    const Ref<LayerGroup> group(new LayerGroup(znString::IString(u"G")));
+    group->insertChild(*makeLayer(LayerRole::Paint, image, 5.0f, 0.0f), 0);
+    ASSERT_TRUE(group->LayerGroup::isPassThrough());
+    ilSPMemoryImg* const picture = group->thumbnailImage(nullptr, 0, 0);
+    ASSERT_NE(picture, nullptr);
+    EXPECT_EQ(std::count(picture->data(), picture->data() + picture->byteSize(), 200), 30 * 20);
+}
+
+class ToldLayer : public Layer {
+  public:
+    explicit ToldLayer(int& told)
+        : Layer(blank(4).get(), nullptr, LayerRole::Paint, plainFlags, 0.0f, 0.0f), told_(told) {}
+
+  protected:
+    void aboutToRelease() override { ++told_; }
+
+  private:
+    int& told_;
+};
+
+TEST(GroupRender, MembersAreToldThatTheirGroupGoes) {
+    int told = 0;
+    const Ref<Layer> member(new ToldLayer(told));
+    Ref<LayerGroup> group(new LayerGroup(znString::IString(u"G")));
+    group->insertChild(*member, 0);
+    group = Ref<LayerGroup>();
+    EXPECT_EQ(told, 1);
+    EXPECT_EQ(member->parent, nullptr);
+}
+
 }  // namespace
 }  // namespace brushwork::test
