@@ -74,7 +74,7 @@ Layer* firstAbove(const StackParts& stack) {
 bool isDrawnAbove(const StackParts& stack, Layer& layer, bool withSelection) {
     if (!layer.visible() || !(layer.opacity() > invisibleEnough) || layer.isStencil()) return false;
     if (!layer.isMask()) return true;
-    return !(withSelection && stack.selection.active) && layer.baseLayer()->isVisibleInTree();
+    return withSelection && !stack.selection.active && layer.baseLayer()->isVisibleInTree();
 }
 
 bool showsSelection(const StackParts& stack, bool withSelection) {

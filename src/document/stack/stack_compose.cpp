@@ -43,11 +43,11 @@ struct Composer {
         if (tiles.empty()) return;
         draw.tiles = &dirty;
         lower(below);
-        middle(useMask);
+        middle(useMask, withSelection);
         upper(above, withSelection);
     }
     void lower(ilSmartImage* below);
-    void middle(bool useMask);
+    void middle(bool useMask, bool withTints);
     void maskedStroke(Layer& layer, MaskingPaintOps& masked);
     void upper(ilSmartImage* above, bool withSelection);
 };
@@ -69,18 +69,20 @@ MaskingPaintOps* pendingPainter(const StackParts& stack) {
 
 // The active layer, or the group around it. A mask that is being worked on shows as its tint; the
 // selection doesn't.
-void Composer::middle(bool useMask) {
+void Composer::middle(bool useMask, bool withTints) {
     Layer* const active = stack.active.layer.get();
     Layer* const outer = outermost(active);
     if (!active || outer == stack.selection.layer.get()) return;
     if (!outer->visible() || !(outer->opacity() > invisibleEnough)) return;
+    const bool shows = withTints || active->role() == LayerRole::Paint;
+    if (!shows && active == outer) return;
     MaskingPaintOps* const pending = useMask ? pendingPainter(stack) : nullptr;
     if (pending && active == outer && !active->asGroup()) {
         maskedStroke(*active, *pending);
         return;
     }
     LayerDraw whole = draw;
-    whole.activeLayer = active;
+    whole.activeLayer = shows ? active : nullptr;
     whole.pending = pending;
     whole.onStencil = stack.painters.onStencil;
     drawLayer(stack, outer, target, whole);

@@ -5,48 +5,11 @@
 #include "document/stack/blend_run.h"
 #include "document/stack/naive_compositor.h"
 #include "document/stack/random_edits.h"
+#include "document/stack/view_host.h"
 #include "image/cache/smart_image_cache.h"
 
 namespace brushwork::test {
 namespace {
-
-// A host with one surface, and a view onto it.
-struct ViewHost {
-    std::vector<std::uint32_t> pixels;
-    std::int32_t width = 0, height = 0;
-    float view[5] = {0.0f, 0.0f, 1.0f, 0.0f, 0.0f};
-    int presented = 0;
-
-    ViewHost(std::int32_t x, std::int32_t y)
-        : pixels(static_cast<std::size_t>(x) * static_cast<std::size_t>(y)),
-          width(x),
-          height(y),
-          former_(hostCallTable()) {
-        current = this;
-        HostCallTable& table = hostCallTable();
-        table.createCanvas = [](std::intptr_t, std::intptr_t) -> HostCanvas { return current; };
-        table.canvasSurface = [](HostCanvas canvas) -> HostSurface { return canvas; };
-        table.surfaceSize = [](HostSurface, std::int32_t* w, std::int32_t* h) {
-            *w = current->width;
-            *h = current->height;
-        };
-        table.surfacePixels = [](HostSurface) -> void* { return current->pixels.data(); };
-        table.viewParameters = [](HostSurface, float* outputs) {
-            std::copy_n(current->view, 5, outputs);
-        };
-        table.presentSurface = [](HostSurface) { ++current->presented; };
-    }
-    ViewHost(const ViewHost&) = delete;
-    ViewHost& operator=(const ViewHost&) = delete;
-    ~ViewHost() { hostCallTable() = former_; }
-
-    static ViewHost* current;
-
-  private:
-    HostCallTable former_;
-};
-
-ViewHost* ViewHost::current = nullptr;
 
 std::int32_t addNoise(LayerStack& stack, Dice& dice, const ilTile& box) {
     const Ref<ilSmartImage> image = noise(4, box, dice);
@@ -111,7 +74,8 @@ TEST(Display, ScaledViewsShowThePlaneScaled) {
     }
 }
 
-TEST(Display, TheFlatImageIsThePlaneWithoutTheSelection) {
+// Neither the selection and the tints of masks nor which layer is the active one can be told.
+TEST(Display, TheFlatImageIsTheLayersAlone) {
     for (unsigned seed = 0; seed < 60; ++seed) {
         SCOPED_TRACE("seed " + std::to_string(seed));
         Dice dice(seed);
@@ -119,14 +83,65 @@ TEST(Display, TheFlatImageIsThePlaneWithoutTheSelection) {
         RandomEdits edits(*stack, dice);
         edits.build(7);
         stack->addRectToSelection(anyBox(dice));
-        stack->present();
         const ilTile box = stack->imagePlane()->box();
-        const auto shown = bytesOf(stack->imagePlane(), box);
-        const Ref<ilSPMemoryImg> flat = stack->flatImage();
-        ASSERT_EQ(bytesOf(stack->imagePlane(), box), shown);
-        stack->resetSelection();
-        ASSERT_EQ(difference(bytesOf(flat.get(), box), naivePicture(*stack), 4, box), "");
+        for (int index = stack->layerCountTotal(true) + 1; index > 0; --index) {
+            stack->setActiveIndex(index, pick(dice, 0, 1) == 0, false, true);
+            stack->present();
+            const auto shown = bytesOf(stack->imagePlane(), box);
+            const Ref<ilSPMemoryImg> flat = stack->flatImage();
+            ASSERT_EQ(bytesOf(stack->imagePlane(), box), shown);
+            ASSERT_EQ(difference(bytesOf(flat.get(), box), naiveFlatPicture(*stack), 4, box), "")
+                << "active " << index;
+        }
     }
+}
+
+// What lies beyond all content is drawn, too, where a layer has it.
+TEST(Display, ComposedLayersKeepWhatLiesAroundThem) {
+    int covering = 0;
+    for (unsigned seed = 0; seed < 60; ++seed) {
+        SCOPED_TRACE("seed " + std::to_string(seed));
+        Dice dice(seed);
+        const Ref<LayerStack> stack(new LayerStack(0, 0, 520, 410));
+        RandomEdits edits(*stack, dice);
+        edits.build(9);
+        stack->setBackground({0.0f, 0.0f, 0.0f, 0.0f});
+        std::vector<Layer*> layers;
+        std::vector<float> opacities;
+        for (Layer* layer = stack->parts().list.first.get(); layer; layer = layer->next.get()) {
+            if (!layer->isDrawable() || layer->isPassThrough()) continue;
+            layers.push_back(layer);
+            opacities.push_back(layer->opacity());
+        }
+        for (int index = stack->layerCountTotal(false); index > 0; --index)
+            if (Layer* const layer = stack->layerByIndex(index, false); layer->isPassThrough())
+                layer->setVisible(false);
+        const Ref<ilSmartImage> image = stack->composeLayers(layers, opacities);
+        const ilTile box = stack->imagePlane()->box();
+        ASSERT_EQ(difference(bytesOf(image.get(), box), naiveFlatPicture(*stack), 4, box), "");
+        covering += image->fill() != ilPixel(TypeUChar, 4);
+    }
+    EXPECT_GT(covering, 5);
+}
+
+// A change that claims to reach everywhere is remembered where it can show.
+TEST(Display, VastChangesAreRememberedInFewTiles) {
+    Dice dice(4);
+    const Ref<LayerStack> stack(new LayerStack(0, 0, 300, 200));
+    const std::int32_t ids[] = {addNoise(*stack, dice, flatTile(0, 0, 300, 200))};
+    LayerGroup* const group = stack->groupById(stack->makeGroupFrom(ids, false));
+    ASSERT_NE(group, nullptr);
+    stack->setBlendMode(group->id(), 0);
+    stack->present();
+    Layer& layer = *stack->layerById(ids[0]);
+    paintNoise(*layer.smartColor(), flatTile(20, 30, 200, 100), dice);
+    stack->accumulateDirty(flatTile(-1000000, -1000000, 2000000000, 2000000000), layer);
+    stack->invalidateRect(flatTile(-1000000, -1000000, 2000000000, 2000000000));
+    EXPECT_LT(group->dirtyTiles().cells().size(), 5000u);
+    EXPECT_LT(stack->parts().damage.tiles.cells().size(), 20u);
+    stack->present();
+    const ilTile box = stack->imagePlane()->box();
+    EXPECT_EQ(difference(bytesOf(stack->imagePlane(), box), naivePicture(*stack), 4, box), "");
 }
 
 TEST(Display, OneDirtyTileOfManyLayersTakesThreeBlends) {

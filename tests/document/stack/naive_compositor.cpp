@@ -72,6 +72,14 @@ class Compositor {
     explicit Compositor(LayerStack& stack)
         : parts_(stack.parts()), canvas_(parts_.plane.canvasBounds) {}
 
+    Picture flatPicture() {
+        withTints_ = false;
+        Picture target = ground();
+        for (Layer* layer = parts_.list.first.get(); layer; layer = layer->next.get())
+            if (takesPart(*layer)) draw(target, *layer);
+        return target;
+    }
+
     Picture picture() {
         Picture target = ground();
         Layer* const active = parts_.active.layer.get();
@@ -178,7 +186,8 @@ class Compositor {
         const bool showsAll = isShown(group);
         for (Layer* child = group.firstChild(); child; child = child->next.get()) {
             if (!showsAll || !child->visible() || !(child->opacity() > leastOpacity)) continue;
-            if (child->role() != LayerRole::Paint && child != parts_.active.layer) continue;
+            const bool isTint = child->role() != LayerRole::Paint;
+            if (isTint && (!withTints_ || child != parts_.active.layer)) continue;
             float opacity = child->opacity();
             for (auto step = through.rbegin(); step != through.rend(); ++step) opacity *= *step;
             LayerGroup* const inner = child->asGroup();
@@ -278,12 +287,17 @@ class Compositor {
 
     const StackParts& parts_;
     const ilTile canvas_;
+    bool withTints_ = true;
 };
 
 }  // namespace
 
 Picture naivePicture(LayerStack& stack) {
     return Compositor(stack).picture();
+}
+
+Picture naiveFlatPicture(LayerStack& stack) {
+    return Compositor(stack).flatPicture();
 }
 
 }  // namespace brushwork::test

@@ -15,5 +15,7 @@ using Picture = std::vector<std::uint8_t>;  // of the canvas, 4 channels, rows u
 
 // What the plane has to show.
 [[nodiscard]] Picture naivePicture(LayerStack& stack);
+// The layers alone: no tints, and whichever is the active one.
+[[nodiscard]] Picture naiveFlatPicture(LayerStack& stack);
 
 }  // namespace brushwork::test
