@@ -44,6 +44,19 @@ std::vector<Ref<Layer>> held(const std::vector<Layer*>& layers) {
     return list;
 }
 
+// Masks and stencils go where the layer goes that they belong to; alone only when they are named.
+std::vector<Ref<Layer>> withAttached(const std::vector<Layer*>& layers) {
+    std::vector<Ref<Layer>> list;
+    for (Layer* layer : layers) {
+        if (std::find(list.begin(), list.end(), layer) != list.end()) continue;
+        list.emplace_back(layer);
+        if (isAttached(layer)) continue;
+        for (Layer* above = layer->next.get(); isAttached(above); above = above->next.get())
+            list.emplace_back(above);
+    }
+    return list;
+}
+
 // A plain layer that looks as the group did.
 Ref<Layer> layerLike(const LayerGroup& group) {
     const Ref<ilSmartImage> blank(new ilSmartImage(ilPixel(TypeUChar, 4)));
@@ -98,7 +111,7 @@ bool moveLayers(StackParts& stack, std::span<const std::int32_t> ids, const Laye
     if (!moveCheck(stack, ids, move.toIndex, move.group)) return false;
     if (move.dryRun) return true;
     closeTransform(stack);
-    const auto layers = held(normalizeIds(stack, ids));
+    const auto layers = withAttached(normalizeIds(stack, ids));
     Target target = targetOf(stack, move.toIndex, move.group);
     const auto isMoved = [&](const Layer* layer) {
         return std::any_of(layers.begin(), layers.end(),
@@ -119,7 +132,7 @@ bool moveLayers(StackParts& stack, std::span<const std::int32_t> ids, const Laye
 }
 
 std::int32_t makeGroupFrom(StackParts& stack, std::span<const std::int32_t> ids, bool makeActive) {
-    const auto layers = held(normalizeIds(stack, ids));
+    const auto layers = withAttached(normalizeIds(stack, ids));
     if (layers.empty()) return noLayer;
     closeTransform(stack);
     const Ref<LayerGroup> group(new LayerGroup(znString::IString(u"New Group")));

@@ -145,7 +145,7 @@ class ListModel {
         if (ids.empty()) return false;
         for (const std::int32_t id : ids)
             if (!has(id) || (group != noLayer && isInside(group, id))) return false;
-        const auto moved = normalized(ids);
+        const auto moved = withAttached(normalized(ids));
         while (below != -1 && std::find(moved.begin(), moved.end(), below) != moved.end()) {
             const Place place = find(below);
             below = place.index > 0 ? (*place.list)[place.index - 1].id : -1;
@@ -159,7 +159,7 @@ class ListModel {
     }
 
     [[nodiscard]] bool makeGroup(const std::vector<std::int32_t>& ids, bool makeActive) {
-        const auto moved = normalized(ids);
+        const auto moved = withAttached(normalized(ids));
         if (moved.empty()) return false;
         const Place place = find(moved.back());
         ModelLayer group;
@@ -318,6 +318,18 @@ class ListModel {
         for (std::int32_t above = attachedAbove(id); above != -1; above = attachedAbove(id))
             id = above;
         return id;
+    }
+    // Masks and stencils go with the layer that they stand on.
+    [[nodiscard]] std::vector<std::int32_t> withAttached(const std::vector<std::int32_t>& ids) {
+        std::vector<std::int32_t> all;
+        for (const std::int32_t id : ids) {
+            if (std::find(all.begin(), all.end(), id) != all.end()) continue;
+            all.push_back(id);
+            if (find(id).layer().isAttached()) continue;
+            for (std::int32_t above = attachedAbove(id); above != -1; above = attachedAbove(above))
+                all.push_back(above);
+        }
+        return all;
     }
     ModelList takeOut(const std::vector<std::int32_t>& ids) {
         ModelList taken;
