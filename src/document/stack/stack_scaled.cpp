@@ -75,6 +75,47 @@ void show(ilSPMemoryImg& target, ilImage* image, std::int32_t x, std::int32_t y,
     blend({&target, 0, 0, image, x, y, mode, opacity}, target.box());
 }
 
+// Layers one over the other, as they are being moved.
+class Frame {
+  public:
+    explicit Frame(StackParts& stack)
+        : stack_(stack),
+          view_(viewRecord(stack, hostViewOf(stack))),
+          moved_(seenThrough(stack.transform.record, view_)) {}
+
+    // A group is drawn as one; where only some of its members move, or corners move, which each
+    // member has of its own, it is put together from them.
+    void add(ilSPMemoryImg& target, Layer& layer, bool isMoved) {
+        if (!layer.isDrawable()) return;
+        isMoved = isMoved || isWhollyTransformed(stack_, layer);
+        LayerGroup* const group = layer.asGroup();
+        if (group && group->LayerGroup::isPassThrough()) {
+            group->eachMember([&](Layer& member) { add(target, member, isMoved); });
+        } else if (group && (isMoved ? moved_.movesCorners() : holdsTransformed(*group))) {
+            const Ref<ilSPMemoryImg> picture(
+                new ilSPMemoryImg(target.sizeX(), target.sizeY(), target.channels()));
+            if (!picture->data()) return;
+            picture->fillRegion(picture->box(), ilPixel(TypeUChar, 4));
+            group->eachMember([&](Layer& member) { add(*picture, member, isMoved); });
+            show(target, picture.get(), 0, 0, layer.blendMode(), layer.inheritedOpacity());
+        } else {
+            std::int32_t x = 0;
+            std::int32_t y = 0;
+            const Ref<ilImage> image = layer.renderTransformed(isMoved ? moved_ : view_, &x, &y);
+            show(target, image.get(), x, y, layer.blendMode(), layer.inheritedOpacity());
+        }
+    }
+
+  private:
+    [[nodiscard]] bool holdsTransformed(const LayerGroup& group) const {
+        return std::any_of(stack_.transform.ids.begin(), stack_.transform.ids.end(),
+                           [&](std::int32_t id) { return standsIn(layerById(stack_, id), group); });
+    }
+
+    StackParts& stack_;
+    TransformRecord view_, moved_;
+};
+
 }  // namespace
 
 void clearScaled(StackParts& stack) {
@@ -119,17 +160,9 @@ void drawScaledFrame(StackParts& stack, ilSPMemoryImg& target) {
     }
     target.fillRegion(whole, ilPixel(TypeUChar, 4));
     show(target, scaled.below.get(), scaled.belowX, scaled.belowY, 0, 1.0f);
-    const TransformRecord view = viewRecord(stack, hostViewOf(stack));
-    const TransformRecord moved = seenThrough(stack.transform.record, view);
-    for (Layer* layer = scaled.start; layer && layer != scaled.end; layer = layer->next.get()) {
-        if (!layer->isDrawable()) continue;
-        std::int32_t x = 0;
-        std::int32_t y = 0;
-        const bool whollyMoved = isWhollyTransformed(stack, *layer);
-        const Ref<ilImage> image = layer->renderTransformed(whollyMoved ? moved : view, &x, &y);
-        show(target, image.get(), x, y, layer->isPassThrough() ? 0 : layer->blendMode(),
-             layer->inheritedOpacity());
-    }
+    Frame frame(stack);
+    for (Layer* layer = scaled.start; layer && layer != scaled.end; layer = layer->next.get())
+        frame.add(target, *layer, false);
     show(target, scaled.above.get(), scaled.aboveX, scaled.aboveY, 0, 1.0f);
     const Ref<ilSPMemoryImg> result(new ilSPMemoryImg(whole.nx, whole.ny, 4));
     result->copyRegion(whole, target, 0, 0, 0, nullptr, CopyDirection::FromOther);
