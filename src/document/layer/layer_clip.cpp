@@ -101,12 +101,16 @@ class ClipSum {
     Ref<SoftPaintOps> painter_;
 };
 
-Ref<ilImage> clipOf(Layer& base) {
+// In `reach` if a part covers all.
+Ref<ilImage> clipOf(Layer& base, ilTile& reach) {
+    reach = ilTile();
     const std::vector<ClipPart> parts = partsAbove(base);
     if (parts.empty()) return {};
     ilTile all;
     base.contentBounds(all, false);
     for (const ClipPart& part : parts) all = unionOf(all, part.box);
+    for (const ClipPart& part : parts)
+        if (part.coversAll) reach = all.isEmpty() ? flatTile(0, 0, 1, 1) : all;
     ClipSum sum;
     for (const ClipPart& part : parts) sum.add(part, all);
     return sum.complement();
@@ -116,9 +120,16 @@ Ref<ilImage> clipOf(Layer& base) {
 
 void Layer::refreshClip() {
     Layer& base = *baseLayer();
-    if (!base.images_.clipDirty || base.role_ != LayerRole::Paint || base.asGroup()) return;
-    base.images_.clipDirty = false;
-    base.images_.clip = clipOf(base);
+    if (base.role_ != LayerRole::Paint || base.asGroup()) return;
+    LayerImages& images = base.images_;
+    if (!images.clipDirty && !images.clipReach.isEmpty()) {
+        ilTile content;
+        base.contentBounds(content, false);
+        images.clipDirty = !content.isEmpty() && !images.clipReach.contains(content);
+    }
+    if (!images.clipDirty) return;
+    images.clipDirty = false;
+    images.clip = clipOf(base, images.clipReach);
 }
 
 }  // namespace brushwork

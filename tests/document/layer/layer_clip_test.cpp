@@ -124,5 +124,18 @@ TEST(LayerClip, IsKeptUntilMarked) {
     EXPECT_NE(base->clipImage(), kept.get());
 }
 
+TEST(LayerClip, AStencilThatCoversAllHoldsBackWhatIsPaintedLater) {
+    const Ref<Layer> base = makeLayer(LayerRole::Paint, blank(4));
+    const Ref<Layer> stencil = makeLayer(LayerRole::Stencil, blank(1, 255));
+    link({base, stencil});
+    base->refreshClip();
+    for (const int place : {10, 200}) {
+        const ilTile box = flatTile(place, place, 30, 30);
+        paintSolid(*base->smartColor(), box, {90, 60, 30, 255});
+        const auto shown = bytesOf(base->wetComposite(box, nullptr, nullptr).get(), box);
+        EXPECT_EQ(std::count(shown.begin(), shown.end(), 0), std::ssize(shown)) << place;
+    }
+}
+
 }  // namespace
 }  // namespace brushwork::test
