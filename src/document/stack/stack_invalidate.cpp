@@ -90,12 +90,16 @@ void noteListChange(StackParts& stack) {
 }
 
 void staleSide(StackParts& stack, const Layer& layer) {
+    const Layer* const active = outermost(stack.active.layer.get());
     switch (sideOf(stack, shownIn(const_cast<Layer&>(layer)))) {
-        case Side::Below: stack.caches.belowStale = true; break;
+        case Side::Below:
+            stack.caches.belowStale = true;
+            // Masks above an active one belong to a layer below it, and show while that does.
+            if (active && active->role() != LayerRole::Paint) stack.caches.aboveStale = true;
+            break;
         case Side::Above: stack.caches.aboveStale = true; break;
         case Side::Active: {
             // Masks above it show while it does.
-            const Layer* const active = outermost(stack.active.layer.get());
             const Layer* const above = active ? active->next.get() : nullptr;
             if (above && above->role() != LayerRole::Paint) stack.caches.aboveStale = true;
             break;
