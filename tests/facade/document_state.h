@@ -109,9 +109,6 @@ inline DocumentState stateOf(PaintManager& manager) {
         for (std::int32_t n = 1; n <= manager.layerCount(true, canvas); ++n)
             state.push_back(layerText(manager, manager.layerIdAt(n, true, canvas)));
         state.push_back(textOf("active %d", manager.activeLayerId(canvas)));
-        // An emptied selection counts as none once its bounds were asked for.
-        ilTile selected;
-        manager.selectionBounds(selected);
         state.push_back(textOf("selected %d ", manager.hasSelection()) +
                         layerText(manager, manager.selectionLayerId(canvas)));
     }

@@ -116,7 +116,7 @@ void clearSelection(StackParts& stack) {
     selectionChanged(stack);
 }
 
-// Within the canvas and what was selected beyond it.
+// Within the canvas and what was selected beyond it: of all there is nothing is left.
 void invertSelection(StackParts& stack) {
     if (!stack.selection.layer) makeSelectionLayer(stack);
     ilSmartImage* const image = imageOf(stack);
@@ -127,6 +127,7 @@ void invertSelection(StackParts& stack) {
     const Ref<SoftPaintOps> painter(new SoftPaintOps(image));
     painter->setBlendFactors(pairInvert.source, pairInvert.target);
     painter->fillRegion(box, gray(selected));
+    if (image->fill() != gray(unselected)) image->setFill(gray(unselected));
     selectionChanged(stack);
 }
 

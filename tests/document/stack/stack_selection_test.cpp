@@ -416,5 +416,106 @@ TEST_F(Selecting, HasAnOutlineUntilItChanges) {
     EXPECT_EQ(boxOf(stack_->selectionOutline()), flatTile(0, 0, 60, 80));
 }
 
+// The outline marches by one step a tick, while this canvas is shown and nobody works on it.
+struct OutlineHost {
+    HostCallTable former = hostCallTable();
+    std::int32_t wait = 0;
+    HostTimerCallback callback = nullptr;
+    void* argument = nullptr;
+    int started = 0, stopped = 0;
+    bool updating = false;
+    std::vector<std::int32_t> phases;
+    HostBox box{};
+    std::vector<std::uint8_t> pixels;
+    static inline OutlineHost* current = nullptr;
+
+    OutlineHost() {
+        current = this;
+        HostCallTable& table = hostCallTable();
+        table.startTimer = [](std::int32_t milliseconds, HostTimerCallback call, void* what) {
+            current->wait = milliseconds;
+            current->callback = call;
+            current->argument = what;
+            return static_cast<HostTimerId>(++current->started);
+        };
+        table.stopTimer = [](HostTimerId) { ++current->stopped; };
+        table.isUpdating = [] { return current->updating; };
+        table.drawOutline = [](HostCanvas, const void* bytes, std::int32_t phase,
+                               const HostBox* where) {
+            current->phases.push_back(phase);
+            current->box = *where;
+            const auto* const from = static_cast<const std::uint8_t*>(bytes);
+            current->pixels.assign(from, from + where->nx * where->ny);
+        };
+    }
+    OutlineHost(const OutlineHost&) = delete;
+    OutlineHost& operator=(const OutlineHost&) = delete;
+    ~OutlineHost() { hostCallTable() = former; }
+    std::size_t ring() {
+        const std::size_t before = phases.size();
+        callback(argument);
+        return phases.size() - before;
+    }
+};
+
+TEST_F(Selecting, TheOutlineMarchesWhileItIsShown) {
+    OutlineHost host;
+    stack_->parts().plane.canvas = &host;
+    SelectionState& selection = stack_->parts().selection;
+    selection.mode = 1;
+    stack_->addRectToSelection(flatTile(20, 30, 40, 50));
+    stack::startSelectionTimer(stack_->parts());
+    stack::startSelectionTimer(stack_->parts());
+    EXPECT_EQ(host.started, 1);
+    EXPECT_EQ(host.wait, 100);
+    ASSERT_EQ(host.ring(), 1u);
+    const std::vector<std::uint8_t> first = host.pixels;
+    ASSERT_EQ(host.ring(), 1u);
+    EXPECT_EQ(host.started, 3);
+    EXPECT_EQ(host.phases, (std::vector<std::int32_t>{0x7ffffffe, 0x7ffffffd}));
+    EXPECT_EQ(host.box.x, 20);
+    EXPECT_EQ(host.box.y, 30);
+    EXPECT_EQ(host.box.nx, 40);
+    EXPECT_EQ(host.box.ny, 50);
+    // The same edge, its dashes one pixel further along.
+    EXPECT_NE(host.pixels, first);
+    for (std::size_t n = 0; n < first.size(); ++n) {
+        ASSERT_EQ(host.pixels[n] == 0, first[n] == 0) << n;
+    }
+    for (std::size_t n = 0; n + 1 < 40; ++n) ASSERT_EQ(host.pixels[n + 1], first[n]) << n;
+    host.updating = true;
+    EXPECT_EQ(host.ring(), 0u);
+    host.updating = false;
+    stack_->parts().isCurrent = false;
+    EXPECT_EQ(host.ring(), 0u);
+    stack_->parts().isCurrent = true;
+    stack_->parts().fill.live = true;
+    EXPECT_EQ(host.ring(), 0u);
+    stack_->parts().fill.live = false;
+    const Ref<Layer> active(stack_->activeLayer());
+    stack_->makeSelectionActive();
+    EXPECT_EQ(host.ring(), 0u);
+    stack_->setActiveIndex(stack_->indexOf(active.get(), true), false, false, true);
+    EXPECT_EQ(host.ring(), 1u);
+    stack_->resetSelection();
+    EXPECT_EQ(host.ring(), 0u);
+    const int ticks = host.started;
+    selection.mode = 0;
+    EXPECT_EQ(host.ring(), 0u);
+    EXPECT_EQ(host.started, ticks);
+    selection.mode = 1;
+    stack::startSelectionTimer(stack_->parts());
+    stack_ = Ref<LayerStack>();
+    EXPECT_EQ(host.stopped, 1);
+}
+
+TEST_F(Selecting, OfAllInvertedNothingIsSelected) {
+    stack_->clearSelection();
+    stack_->invertSelection();
+    EXPECT_FALSE(stack_->hasSelection());
+    stack_->invertSelection();
+    EXPECT_TRUE(stack_->hasSelection());
+}
+
 }  // namespace
 }  // namespace brushwork::test
