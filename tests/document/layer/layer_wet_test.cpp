@@ -99,7 +99,8 @@ TEST(LayerWet, ACommitCostsWhatTheStrokeTouched) {
     const auto cloned = SmartImageCache::instance().counts().cloned;
     const Ref<ilSmartImage> kept = layer->smartColor()->clone();
     layer->commitWet();
-    EXPECT_EQ(SmartImageCache::instance().counts().cloned - cloned, 1U);  // that of (200, 200)
+    // The page of (200, 200), and far out a copy of the shared page of the fill.
+    EXPECT_EQ(SmartImageCache::instance().counts().cloned - cloned, 2U);
     EXPECT_EQ(layer->smartColor()->getPixel(200, 200), 0xFF0000FFU);
     EXPECT_EQ(layer->smartColor()->getPixel(-90000, 90000), 0xFF00FF00U);
     EXPECT_EQ(layer->smartColor()->getPixel(400, 400), kept->getPixel(400, 400));
