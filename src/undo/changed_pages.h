@@ -1,4 +1,5 @@
-// Where two images differ, told by their pages: what one of them painted is in pages of its own.
+// Where an image differs from the one that it was painted over, told by their pages: what was
+// painted is in pages of its own.
 #pragma once
 
 #include <optional>
@@ -7,8 +8,8 @@
 
 namespace brushwork {
 
-// A box around all differing pages, empty for none. Nothing if it can't be told by pages or there
-// are too many to ask.
-[[nodiscard]] std::optional<ilTile> changedBox(ilSmartImage* before, ilSmartImage* after);
+// A box around all differing pages, empty for none. Nothing if neither is the other's source, or
+// there are too many pages to ask.
+[[nodiscard]] std::optional<ilTile> changedBox(ilSmartImage* one, ilSmartImage* other);
 
 }  // namespace brushwork

@@ -72,6 +72,8 @@ class SmartPageTable {
     }
     // The slot if a page stands in it, null else; asks no parent and makes nothing.
     [[nodiscard]] SmartPageRef* findSlot(std::int32_t x, std::int32_t y);
+    // Whether an empty slot there would take the parent's page.
+    [[nodiscard]] bool asksParent(std::int32_t x, std::int32_t y) const;
 
     // The box that holds everything that is not fill.
     [[nodiscard]] const ilTile& bounds() const { return bounds_; }
@@ -135,7 +137,6 @@ class SmartPageTable {
     [[nodiscard]] SmartPageBlock* makeBlock(std::int32_t x, std::int32_t y);
     void freeBlock(SmartPageBlock& block, ReleaseReason reason);
 
-    [[nodiscard]] bool asksParent(std::int32_t x, std::int32_t y) const;
     [[nodiscard]] bool trim(const ilTile& box);
     [[nodiscard]] bool pullEdges(const ilTile& box);
     [[nodiscard]] bool pullRow(const ilTile& box, std::int32_t y);
