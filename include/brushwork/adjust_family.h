@@ -13,7 +13,9 @@ struct FacadeState;
 
 class BRUSHWORK_API AdjustFamily {
   public:
-    // Without an image the active layer is adjusted, restricted by the selection.
+    // Without an image the active layer is adjusted, restricted by the selection, with an undo
+    // record; else the image itself, without one. False: not of four channels, empty, locked, no
+    // paint layer, or the parms change nothing.
     bool colorAdjust(const ImageRef& image, const ColorAdjustParm& parms);
 
   protected:

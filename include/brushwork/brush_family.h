@@ -1,4 +1,5 @@
-// BrushFamily: the current brush.
+// BrushFamily: the current brush, which the next stroke begins with. An open stroke goes on as it
+// began. No undo records.
 #pragma once
 
 #include <array>
@@ -28,19 +29,24 @@ class BRUSHWORK_API BrushFamily {
     // Of one channel the tip, where the brush's own is off or beside it; of four what it paints in
     // place of the colour. No image: the plain tip and the colour.
     void setStamp(const ImageRef& image);
+    // Defaults of blur and sharpen tools: strength, detail in pixels, radius in pixels.
     void setConvolve(float strength, float detail, float radius);
-    // The brush paints from a layer, (x, y) away; -1: it doesn't.
+    // The brush paints from a layer, (x, y) document pixels away; -1: it doesn't.
     void setCloneSource(std::int32_t layerId, float x, float y);
     // 3 and 4 paint on the stencil.
     void setStrokeMode(std::int32_t mode);
-    // BlendModeId of the whole stroke over the layer, and its opacity.
+    // BlendModeId of the whole stroke over the layer, and its opacity, 0 to 1; others count as 1.
     void setBrushBlend(std::int32_t mode, float opacity = 1.0f);
+    // Modes of brushes that paint an image; put aside around edits of other families.
     void setTextureBrush(bool on);
     void setPatternBrush(bool on);
     // Ranges in percent, drawn anew for each stroke.
     void setColorJitter(bool on, float hue, float saturation, float value);
+    // The host may change it between strokes. Null: none.
     void setSymmetry(const Ref<Symmetry>& symmetry);
+    // Whether a stroke is shown as it is painted, and at its end.
     void setDisplayUpdates(bool on);
+    // Called as a stroke begins and after it ended, on this thread; they must not throw.
     void setStrokeHooks(std::function<void()> begin, std::function<void()> end);
 
   protected:

@@ -24,8 +24,9 @@ class BRUSHWORK_API CanvasFamily {
     std::int32_t duplicateCanvas(std::int32_t canvas);
     // Resamples all layers. `filter`: 0 nearest, 1 bilinear, 2 bicubic. The canvas is resized.
     bool scaleCanvas(std::int32_t canvas, float scale, std::int32_t filter);
+    // Undo of closing the current one brings it back. False: no such canvas, or a stroke is open.
     bool closeCanvas(std::int32_t canvas);
-    [[nodiscard]] std::int32_t currentCanvas() const;
+    [[nodiscard]] std::int32_t currentCanvas() const;  // -1: none
     bool setCurrentCanvas(std::int32_t canvas);
     [[nodiscard]] std::int32_t canvasCount() const;
     // Slots, of which some may be empty.

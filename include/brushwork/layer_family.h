@@ -26,16 +26,19 @@ class BRUSHWORK_API LayerFamily {
     std::int32_t newMaskLayer(bool stencil = false);
     // Kind: 0 paint, 1 mask, 2 stencil, 3 warp.
     std::int32_t newShapeLayer(std::int32_t at, std::int32_t kind);
+    // A group, empty, at an index as newLayer has it.
     std::int32_t newGroup(const znString::IString& name, std::int32_t at = -2);
     bool deleteLayer(std::int32_t id);
     bool deleteLayers(std::span<const std::int32_t> ids, bool dryRun = false);
     // All layers of a canvas; one blank layer stays.
     bool clearLayers(std::int32_t canvas = -2);
     bool flattenAll(std::int32_t canvas = -2, bool visibleOnly = false);
+    // `dryRun`, here and below: whether it would be done; nothing changes.
     bool mergeVisible(bool dryRun = false);
     // Into the layer below it in its list.
     bool mergeDown(std::int32_t id = -2);
     bool flattenGroup(std::int32_t id, bool dryRun = false);
+    // What tools work on. Makes no undo record.
     bool setActiveLayer(std::int32_t id);
     // The new active id.
     std::int32_t nextUp();

@@ -1,4 +1,7 @@
 // PixelFamily: the pixels of a layer or a canvas at once.
+//
+// Of the layer with that id, or of the active one (-2). Nothing happens to groups, layers of
+// shapes and locked layers, for unknown ids and within a stroke.
 #pragma once
 
 #include <array>
@@ -21,14 +24,17 @@ class BRUSHWORK_API PixelFamily {
     void clearRegion(const ilTile& box, std::int32_t id = -2);  // layer pixels
     void invertMask(std::int32_t id = -2);
     void flipLayer(bool horizontal, bool vertical, std::int32_t id = -2, bool bakeFirst = true);
-    void rotateLayer(bool other, std::int32_t id = -2);  // by 90 degrees
+    void rotateLayer(bool other, std::int32_t id = -2);  // by 90 degrees about its middle
     void flipCanvas(bool horizontal, bool vertical);
+    // By 90 degrees, with the canvas. The progress is told of each layer, on this thread.
     void rotateCanvas(bool other, znUtil::Progress* progress = nullptr);
     struct ConvolveParams {
-        float strength = 5.0f, detail = 1.5f, radius = 3.0f;
+        float strength = 5.0f;               // of sharpening, in tenths
+        float detail = 1.5f, radius = 3.0f;  // pixels, 0 to 1000: of sharpening, of blurring
         bool sharpen = false;
     };
     void applyConvolve(const ConvolveParams& params, std::int32_t id = -2);
+    // A halo of the colour around what is drawn: blur in pixels, tolerance 0 to 1.
     void shrinkWrap(const std::array<float, 4>& color, float blur, float tolerance);
     // A pixel as four bytes, red lowest, premultiplied: of a layer in its own pixels, and of the
     // visible canvas in document pixels. False outside, and for a wrong id.

@@ -38,7 +38,7 @@ class BRUSHWORK_API PntUndoDatabase {
     // objectSize of the record, or 0.
     [[nodiscard]] virtual std::size_t sizeOf(std::int32_t handle) const;
 
-    // Null for an unknown handle.
+    // Null for an unknown handle. Time grows with the list.
     [[nodiscard]] Ref<PntUndoOper> find(std::int32_t handle) const;
     [[nodiscard]] bool hasKind(std::int32_t handle, const char* name) const;
     void dump() const;

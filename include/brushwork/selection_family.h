@@ -1,4 +1,6 @@
 // SelectionFamily: what is selected. A selection is an image of one channel; 255 is selected.
+// Boxes, masks and distances in document pixels unless said. What can't be done, and all of it
+// within a stroke, is ignored.
 #pragma once
 
 #include <array>
@@ -28,7 +30,9 @@ class BRUSHWORK_API SelectionFamily {
     // The selection becomes the image (of one channel) at a place.
     void loadMaskImage(const ImageRef& mask, float x, float y);
     void moveSelection(float dx, float dy);
+    // Strokes and fills then paint the selection itself.
     void makeSelectionActive();
+    // The tint that shows it: red, green, blue, alpha and opacity, 0 to 1. No undo record.
     void setSelectionColor(const std::array<float, 4>& color, float opacity = 0.5f);
     [[nodiscard]] bool hasSelection() const;
     // False for an empty one.

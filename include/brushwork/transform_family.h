@@ -16,6 +16,7 @@ class BRUSHWORK_API TransformFamily {
     // Closes one that is open. `mode` 0 keeps the layer's own images in front.
     bool beginTransform(std::span<const std::int32_t> ids, std::int32_t mode = 0,
                         std::int32_t arg = 0);
+    // False: none is open, or numbers that are no place. Document pixels and degrees.
     bool updateTransform(const TransformRecord& record);
     // `keep`: what is shown becomes the layers' pixels; else all is as before.
     bool endTransform(bool keep = true);
