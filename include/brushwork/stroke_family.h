@@ -22,7 +22,7 @@ class BRUSHWORK_API StrokeFamily {
     // holds shapes. Until the stroke ends no other family edits.
     bool beginStroke();
     // View pixels; pressure 0 to 1, at least 0.01. Ignored outside a stroke, and for places that
-    // are no numbers or beyond 102400 pixels. `flag` is the host's and changes nothing.
+    // are no numbers or beyond 204800 pixels. `flag` is the host's and changes nothing.
     void addPoint(const StrokeInputPoint& point, bool flag = false);
     void addPoints(std::span<const StrokeInputPoint> points);
     // Files the undo record. A stroke of one point leaves a dot.
