@@ -53,7 +53,7 @@ void fetchTarget(const RowWalk& walk, const KernelRow& row) {
     constexpr std::ptrdiff_t rowsAhead = 4;
     constexpr std::size_t lineBytes = 64, most = 1024;
     const auto place = reinterpret_cast<std::uintptr_t>(row.hi) +
-                       static_cast<std::uintptr_t>(rowsAhead * walk.steps.hi);
+                       static_cast<std::uintptr_t>(rowsAhead * walk.block.steps.hi);
     for (std::size_t at = 0; at < std::min(row.count * walk.pixelBytes, most); at += lineBytes)
         __builtin_prefetch(reinterpret_cast<const void*>(place + at), 1);
 }

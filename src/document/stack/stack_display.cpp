@@ -139,14 +139,14 @@ Ref<ilSPMemoryImg> flatImage(StackParts& stack) {
     }
     const Ref<SoftPaintOps> painter(new SoftPaintOps(image.get()));
     const bool checkerboard = std::exchange(stack.display.checkerboard, false);
+    Ref<ilSmartImage> above;
     Ref<ilSmartImage> below;
+    const bool wasSimple = stack.caches.aboveIsSimple;
+    rebuildAbove(stack, above, false, false);
     rebuildBelow(stack, below);
-    // One by one: laid over the rest together they would round otherwise, and the picture would
-    // tell which layer is the active one.
-    const bool wasSimple = std::exchange(stack.caches.aboveIsSimple, false);
     const ilPageTileManager kept = std::exchange(stack.damage.tiles, ilPageTileManager());
     stack.damage.tiles.addTile(canvas);
-    compositeTiles(stack, nullptr, below.get(), true, false, *painter);
+    compositeTiles(stack, above.get(), below.get(), true, false, *painter);
     stack.damage.tiles = kept;
     stack.caches.aboveIsSimple = wasSimple;
     stack.display.checkerboard = checkerboard;

@@ -69,11 +69,11 @@ void blendPictures(const ilTile& box, Picture& target, const Picture& source, co
 
 class Compositor {
   public:
-    explicit Compositor(LayerStack& stack)
-        : parts_(stack.parts()), canvas_(parts_.plane.canvasBounds) {}
+    explicit Compositor(LayerStack& stack, bool withTints = true)
+        : parts_(stack.parts()), canvas_(parts_.plane.canvasBounds), withTints_(withTints) {}
 
-    Picture flatPicture() {
-        withTints_ = false;
+    // Layer by layer, whichever is the active one.
+    Picture plainPicture() {
         Picture target = ground();
         for (Layer* layer = parts_.list.first.get(); layer; layer = layer->next.get())
             if (takesPart(*layer)) draw(target, *layer);
@@ -140,20 +140,22 @@ class Compositor {
 
     bool showsSelection() const {
         const Layer* const selection = parts_.selection.layer.get();
-        return isSelectionActive() && parts_.selection.mode == 0 && selection->visible() &&
-               selection->opacity() > leastOpacity && selection->blendMode() == 0;
+        return withTints_ && isSelectionActive() && parts_.selection.mode == 0 &&
+               selection->visible() && selection->opacity() > leastOpacity &&
+               selection->blendMode() == 0;
     }
 
     // A mask above shows as a tint unless a selection shows instead or what it masks is hidden.
     bool goesAbove(Layer& layer) const {
         if (!layer.visible() || !(layer.opacity() > leastOpacity) || layer.isStencil())
             return false;
-        return !layer.isMask() || (!isSelectionActive() && isVisibleAround(*layer.baseLayer()));
+        return !layer.isMask() ||
+               (withTints_ && !isSelectionActive() && isVisibleAround(*layer.baseLayer()));
     }
 
     void drawActive(Picture& target, Layer& outer) {
         if (!outer.visible() || !(outer.opacity() > leastOpacity)) return;
-        draw(target, outer);
+        if (withTints_ || outer.role() == LayerRole::Paint) draw(target, outer);
     }
 
     void drawAbove(Picture& target, Layer& outer) {
@@ -287,7 +289,7 @@ class Compositor {
 
     const StackParts& parts_;
     const ilTile canvas_;
-    bool withTints_ = true;
+    const bool withTints_;
 };
 
 }  // namespace
@@ -297,7 +299,11 @@ Picture naivePicture(LayerStack& stack) {
 }
 
 Picture naiveFlatPicture(LayerStack& stack) {
-    return Compositor(stack).flatPicture();
+    return Compositor(stack, false).picture();
+}
+
+Picture naivePlainPicture(LayerStack& stack) {
+    return Compositor(stack, false).plainPicture();
 }
 
 }  // namespace brushwork::test

@@ -15,7 +15,9 @@ using Picture = std::vector<std::uint8_t>;  // of the canvas, 4 channels, rows u
 
 // What the plane has to show.
 [[nodiscard]] Picture naivePicture(LayerStack& stack);
-// The layers alone: no tints, and whichever is the active one.
+// The same without tints and selection.
 [[nodiscard]] Picture naiveFlatPicture(LayerStack& stack);
+// The layers laid over one another one by one, whichever is the active one.
+[[nodiscard]] Picture naivePlainPicture(LayerStack& stack);
 
 }  // namespace brushwork::test

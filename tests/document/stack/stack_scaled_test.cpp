@@ -160,7 +160,7 @@ TEST_F(ScaledFrames, ShowWhatTheTransformLeaves) {
         const Picture frame = bytesOf(shown, flatTile(0, 0, 240, 190));
         ASSERT_EQ(bytesOf(stack_->renderDisplay(true), flatTile(0, 0, 240, 190)), frame);
         stack_->endTransform(true);
-        compared += compare(frame, 240, naiveFlatPicture(*stack_));
+        compared += compare(frame, 240, naivePlainPicture(*stack_));
         if (HasFailure()) return;
     }
     EXPECT_GT(compared, 100000u);
