@@ -36,14 +36,19 @@ struct HostSegment {
 };
 
 struct HostCallTable {
-    // Canvases and the surfaces behind them.
+    // Canvases and the surfaces behind them. Null from createCanvas is allowed: that document is
+    // shown nowhere. The two values are those that the host gave when it asked for the document.
     HostCanvas (*createCanvas)(std::intptr_t value1, std::intptr_t value2) = nullptr;
     void (*canvasCreated)(HostCanvas canvas) = nullptr;
+    // Asked whenever it is needed: a host may change it at any time.
     HostSurface (*canvasSurface)(HostCanvas canvas) = nullptr;
     void (*surfaceSize)(HostSurface surface, std::int32_t* width, std::int32_t* height) = nullptr;
-    void* (*surfacePixels)(HostSurface surface) = nullptr;  // four bytes a pixel, rows from below
+    // Four bytes a pixel (red, green, blue, alpha, premultiplied), rows from below without padding.
+    // The engine draws there; the memory is the host's and lasts as long as the surface.
+    void* (*surfacePixels)(HostSurface surface) = nullptr;
     bool (*surfaceIsTransparent)(HostSurface surface) = nullptr;
     void (*setCanvasSurface)(HostCanvas canvas, std::intptr_t value) = nullptr;
+    // In pixels; sizes that no screen has count as not told.
     void (*screenSize)(std::int32_t* width, std::int32_t* height) = nullptr;
 
     // Timers: one-shot, delivered on the host's thread while it is outside the engine.
@@ -52,25 +57,39 @@ struct HostCallTable {
     void (*stopTimer)(HostTimerId timer) = nullptr;
 
     // Display.
+    // The surface holds something new that is to be on the screen soon.
     void (*requestRepaint)(HostCanvas canvas) = nullptr;
+    // Whether the host is in the middle of drawing: then no repaint is asked for.
     bool (*isUpdating)() = nullptr;
+    // What was asked for is to be on the screen now, while a stroke goes on.
     void (*flushCanvas)(HostCanvas canvas) = nullptr;
     void (*beginPaint)(HostCanvas canvas) = nullptr;
     void (*endPaint)(HostCanvas canvas) = nullptr;
     void (*setCursor)(HostCanvas canvas, std::int32_t cursor) = nullptr;
+    // The marching outline of the selection: a byte a pixel of the box, 0 for none, rows from below
+    // without padding, until the call ends. The box is in document pixels; `step` falls by 1 each
+    // time.
     void (*drawOutline)(HostCanvas canvas, const void* pixels, std::int32_t step,
                         const HostBox* box) = nullptr;
+    // How the surface shows the document: outputs x, y, scale, and the filters across and up; three
+    // are kept for later. Pixel p is seen at p * scale - (x, y); a scale not above 0 counts as not
+    // answered.
     void (*viewParameters)(HostSurface surface, float* outputs8) = nullptr;
+    // The surface's pixels are whole: the host shows them.
     void (*presentSurface)(HostSurface surface) = nullptr;
 
-    // Document state and what the host's own windows show of it.
+    // Document state and what the host's own windows show of it. Boxes last until the call ends.
+    // Whether that canvas is still there for the host; undo leaves others alone. True without it.
     bool (*documentValid)(std::int32_t canvasIndex) = nullptr;
     void (*refreshUI)(bool layers, bool canvas) = nullptr;
     void (*uiRefresh)() = nullptr;
+    // Layers came, went or moved; `whole`: the list is another one.
     void (*layerListChanged)(bool whole) = nullptr;
     void (*activeLayerChanged)() = nullptr;
+    // The box, in document pixels, shows something new; canvas and layer as operations name them.
     void (*dirtyRect)(std::int32_t canvas, std::int32_t layer, const HostBox* box) = nullptr;
     void (*layerDirtyRect)(std::int32_t layerId, const HostBox* box) = nullptr;
+    // Something begins, or has ended, that takes longer than a person waits without a sign.
     void (*setBusy)(bool busy) = nullptr;
 
     // Words to a person and to a developer. Texts are UTF-8 and end with the call.
