@@ -2,13 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include <string>
-
 #include "fill/doodle_quality.h"
-#include "fill/doodle_walk.h"
-#include "fill/naive_flood.h"
-#include "foundation/services/log.h"
-#include "image/filter/il_convolution_img.h"
+#include "fill/naive_climb.h"
 
 namespace brushwork::test {
 namespace {
@@ -99,63 +94,12 @@ TEST(DoodleFloodFill, CountsSpikesAgainstBothNeighboursInTheBox) {
     EXPECT_EQ(countSpikes(*surface, box), 1 + 2 + 1);
 }
 
-struct LogCatcher {
-    LogCatcher() {
-        setLogSink([this](std::string_view text) { lines += text; });
-    }
-    ~LogCatcher() { setLogSink({}); }
-    std::string lines;
-};
-
-int naiveSpikes(const Picture& mask) {
-    int count = 0;
-    const auto at = [&](std::int32_t x, std::int32_t y) { return static_cast<int>(mask.at(x, y)); };
-    const auto apart = [](int a, int b) { return std::abs(a - b) > 128; };
-    for (std::int32_t y = 0; y < mask.box.ny; ++y)
-        for (std::int32_t x = 0; x < mask.box.nx; ++x) {
-            const int value = at(x, y);
-            const bool inRow = x > 0 && x < mask.box.nx - 1;
-            const bool inColumn = y > 0 && y < mask.box.ny - 1;
-            count += inRow && apart(value, at(x - 1, y)) && apart(value, at(x + 1, y)) ? 1 : 0;
-            count += inColumn && apart(value, at(x, y - 1)) && apart(value, at(x, y + 1)) ? 1 : 0;
-        }
-    return count;
-}
-
 // Dark dots in a light field. Answers whether the mask was taken for noise.
 bool checkQuality(int dots, bool force) {
     const ilTile box = flatTile(0, 0, 200, 60);
     Picture picture(box, 4, greyWord(255));
     for (int i = 0; i < dots; ++i) picture.set(4 + i * 37 % 190, 2 + i * 23 % 56, greyWord(0));
-    const auto image = smartOf(picture);
-    const auto marks = newMask();
-    const auto source = makeFillSurface(*image);
-    const auto surface = makeFillSurface(*marks);
-    const ColorTarget target(greyWord(255), 4);
-    DoodleWalk walk(*source, *surface, {0, 0, 199, 59}, target, 26);
-    walk.run(199, 59);
-    Picture mask(box, 1, 0);
-    for (std::int32_t y = 0; y < 60; ++y)
-        for (std::int32_t x = 0; x < 200; ++x) mask.set(x, y, marks->getPixel(x, y));
-    const bool reverts = force || naiveSpikes(mask) > 40;
-
-    LogCatcher log;
-    DoodleFloodFillOperation doodle(box, box);
-    doodle.setForceFallback(force);
-    doodle.run(199, 59, 0.1f, *image);
-    EXPECT_EQ(log.lines, reverts ? "Reverting to BasicFill!\n" : "") << dots;
-    // What is too far off is taken back, and the mask smoothed over its box.
-    for (std::size_t i = 0; i < mask.pixels.size(); ++i)
-        if (reverts && colorDistance(picture.pixels[i], target) > 26) mask.pixels[i] = 0;
-    std::vector<std::uint8_t> bytes = mask.bytes();
-    if (reverts) {
-        const Ref<ilConvolutionImg> smooth(new ilConvolutionImg(box.nx, box.ny, 1));
-        smooth->writeRegion(box, bytes.data(), box);
-        smooth->convolve(ConvolutionKernel(-1.0f, 1.5f, 0.33333334f));
-        smooth->readRegion(box, bytes.data(), box);
-    }
-    EXPECT_TRUE(bytesOf(*doodle.mask(), box) == bytes) << dots;
-    return reverts;
+    return climbsAsModel(picture, 199, 59, 26, force);
 }
 
 TEST(DoodleFloodFill, TakesBackAMaskOfNoise) {
