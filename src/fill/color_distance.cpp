@@ -40,6 +40,20 @@ void below(const std::uint8_t* bytes, std::size_t count, std::uint32_t limit, st
     }
 }
 
+bool openFour(const std::uint8_t* pixels, std::size_t count, const ColorTarget& target,
+              const DistanceLimits& limits, std::uint32_t* bits) {
+    bool between = false;
+    std::uint8_t distances[32];
+    for (std::size_t i = 0; i < count; i += 32) {
+        four(pixels + 4 * i, 32, target, distances);
+        below(distances, 32, limits.open, bits + i / 32);
+        for (const std::uint8_t distance : distances)
+            between = between || (distance >= limits.whole && distance < limits.none);
+    }
+    noteKernelForm(VectorLevel::Scalar);
+    return between;
+}
+
 }  // namespace
 
 ColorTarget::ColorTarget(std::uint32_t pixel, std::int32_t channels)
@@ -60,7 +74,7 @@ std::uint8_t colorDistance(std::uint32_t pixel, const ColorTarget& target) {
     return static_cast<std::uint8_t>(std::max(color, difference(byteOf(pixel, 3), target.alpha)));
 }
 
-const DistanceKernels distanceKernelsScalar = {four, one, below};
+const DistanceKernels distanceKernelsScalar = {four, one, below, openFour};
 
 const DistanceKernels& distanceKernels(VectorLevel level) {
     switch (level) {

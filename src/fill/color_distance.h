@@ -29,6 +29,14 @@ struct ColorTarget {
 
 [[nodiscard]] std::uint8_t colorDistance(std::uint32_t pixel, const ColorTarget& target);
 
+// What a flood asks of a distance: whether it is below `open`, and whether it lies between, from
+// `whole` up to but not `none`. 0 to 256 each, in any order.
+struct DistanceLimits {
+    std::uint32_t open = 0;
+    std::uint32_t whole = 0;
+    std::uint32_t none = 0;
+};
+
 // Rows of distances. `pixels` need not be aligned; `count` is any number.
 struct DistanceKernels {
     void (*four)(const std::uint8_t* pixels, std::size_t count, const ColorTarget& target,
@@ -39,6 +47,10 @@ struct DistanceKernels {
     // a multiple of 32; the words are written whole.
     void (*below)(const std::uint8_t* bytes, std::size_t count, std::uint32_t limit,
                   std::uint32_t* bits);
+    // `four` and `below` in one pass over the pixels, for the open distances. `count` is a multiple
+    // of 32. Answers whether a distance lies between.
+    bool (*openFour)(const std::uint8_t* pixels, std::size_t count, const ColorTarget& target,
+                     const DistanceLimits& limits, std::uint32_t* bits);
 };
 
 [[nodiscard]] const DistanceKernels& distanceKernels(VectorLevel level = vectorLevel());

@@ -34,12 +34,37 @@ const std::uint8_t* coverageRow(const FloodedPage& page, std::int32_t y) {
     return page.coverage + static_cast<std::size_t>(y) * pageSide;
 }
 
+// Which pixels lie below the stop, in those rows of the page that have some of the picture. Answers
+// whether there is one in these rows that would get a coverage between 0 and 255.
+bool findOpen(const FloodedPage& page, Words& open) {
+    const auto start = static_cast<std::size_t>(page.inside.y) * pageSide;
+    const auto pixels = static_cast<std::size_t>(page.inside.ny) * pageSide;
+    std::uint32_t* const bits = open.data() + start / 32;
+    const DistanceLimits limits{page.table.stop(), page.table.endOfWhole(),
+                                page.table.startOfNone()};
+    const DistanceKernels& kernels = distanceKernels();
+    if (page.pixels && !page.target.isGrey)
+        return kernels.openFour(page.pixels + 4 * start, pixels, page.target, limits, bits);
+    Lines distances;
+    measure(page, page.inside.y, page.inside.ny, distances.data());
+    Words whole;
+    Words some;
+    kernels.below(distances.data(), pixels, limits.open, bits);
+    kernels.below(distances.data(), pixels, limits.whole, whole.data());
+    kernels.below(distances.data(), pixels, limits.none, some.data());
+    return !std::equal(whole.begin(), whole.begin() + page.inside.ny * (pageSide / 32),
+                       some.begin());
+}
+
 // Where waves may still pass over what was covered before.
-BitRow uncovered(const FloodedPage& page, std::int32_t y, const std::uint8_t* distances) {
+BitRow uncovered(const FloodedPage& page, std::int32_t y) {
     BitRow row;
+    Line distances;
+    measure(page, y, 1, distances.data());
     const std::uint8_t* const coverage = coverageRow(page, y);
     for (std::int32_t x = 0; x < pageSide; ++x) {
-        const std::uint8_t wanted = page.smoothEdges ? page.table[distances[x]] : std::uint8_t{255};
+        const std::uint8_t distance = distances[static_cast<std::size_t>(x)];
+        const std::uint8_t wanted = page.smoothEdges ? page.table[distance] : std::uint8_t{255};
         if (wanted > coverage[x]) row.set(x);
     }
     return row;
@@ -103,24 +128,12 @@ void coverByDistance(const PageReach& reach, const FloodedPage& page, std::int32
 std::unique_ptr<PageReach> openPixels(const FloodedPage& page) {
     std::unique_ptr<PageReach> reach(new (std::nothrow) PageReach);
     if (!reach) return reach;
-    const std::int32_t rows = page.inside.ny;
-    const auto pixels = static_cast<std::size_t>(rows) * pageSide;
-    Lines distances;
     Words open;
-    Words whole;
-    Words some;
-    measure(page, page.inside.y, rows, distances.data());
-    const DistanceKernels& kernels = distanceKernels();
-    kernels.below(distances.data(), pixels, page.table.stop(), open.data());
-    kernels.below(distances.data(), pixels, page.table.endOfWhole(), whole.data());
-    kernels.below(distances.data(), pixels, page.table.startOfNone(), some.data());
-    reach->setPlain(
-        std::equal(whole.begin(), whole.begin() + rows * (pageSide / 32), some.begin()));
+    reach->setPlain(!findOpen(page, open));
     const BitRow inside = BitRow::range(page.inside.x, page.inside.endX());
-    for (std::int32_t i = 0; i < rows; ++i) {
-        const std::int32_t y = page.inside.y + i;
-        BitRow row = rowOf(open, i) & inside;
-        if (page.coverage) row = row & uncovered(page, y, distances.data() + i * pageSide);
+    for (std::int32_t y = page.inside.y; y < page.inside.endY(); ++y) {
+        BitRow row = rowOf(open, y) & inside;
+        if (page.coverage) row = row & uncovered(page, y);
         reach->setOpen(y, row);
     }
     return reach;

@@ -94,6 +94,40 @@ TEST_P(DistanceKernelTest, FindsWhatIsBelowALimit) {
     }
 }
 
+TEST_P(DistanceKernelTest, OpensPixelsInOnePassAsInTwo) {
+    const DistanceKernels& kernels = distanceKernels(GetParam());
+    Random random(13);
+    for (int round = 0; round < 400; ++round) {
+        const auto count = std::size_t{32} * between(random, 0, 4);
+        GuardedBytes pixels(4 * count, between(random, 0, 32));
+        GuardedBytes bits(count / 8, 0);
+        // Few distances each time, so that often none lies between two limits.
+        std::uint32_t words[3];
+        for (std::uint32_t& word : words)
+            for (int c = 0; c < 4; ++c) word = word << 8 | edgyByte(random);
+        for (std::size_t i = 0; i < count; ++i)
+            std::memcpy(pixels.data() + 4 * i, &words[between(random, 0, 2)], 4);
+        const ColorTarget target(words[0], 4);
+        constexpr std::uint32_t edges[] = {0, 1, 2, 31, 160, 254, 255, 256};
+        const DistanceLimits limits{edges[between(random, 0, 7)], edges[between(random, 0, 7)],
+                                    edges[between(random, 0, 7)]};
+        const bool answer = kernels.openFour(pixels.data(), count, target, limits,
+                                             reinterpret_cast<std::uint32_t*>(bits.data()));
+        EXPECT_EQ(lastKernelForm(), GetParam());
+        bool wanted = false;
+        for (std::size_t i = 0; i < count; ++i) {
+            std::uint32_t pixel;
+            std::memcpy(&pixel, pixels.data() + 4 * i, 4);
+            const std::uint32_t distance = colorDistance(pixel, target);
+            wanted = wanted || (distance >= limits.whole && distance < limits.none);
+            ASSERT_EQ((bits.data()[i / 8] >> (i % 8) & 1) != 0, distance < limits.open)
+                << limits.open << " at " << i;
+        }
+        ASSERT_EQ(answer, wanted) << limits.whole << " to " << limits.none;
+        ASSERT_TRUE(bits.guardsIntact());
+    }
+}
+
 std::vector<VectorLevel> allLevels() {
     std::vector<VectorLevel> levels = vectorLevels();
     levels.insert(levels.begin(), VectorLevel::Scalar);
