@@ -223,7 +223,8 @@ Ref<ilSmartImage> Layer::applyTransformRecord(ilSmartImage& source, const Transf
     const ilTile box = placedBox(*placing, mode);
     if (x) *x = static_cast<float>(box.x);
     if (y) *y = static_cast<float>(box.y);
-    const float scale = std::max(std::fabs(record.scaleX), std::fabs(record.scaleY));
+    // Moved corners may stretch parts of what the scale shrinks: a level would be too coarse there.
+    const float scale = mostScale(*placing);
     if (preferReduced && scale <= 0.5f && !placing->folded && opacity_ >= opaqueEnough &&
         view_.levels.isCurrent(&source, view_.changeCount)) {
         float levelScale = 1.0f;

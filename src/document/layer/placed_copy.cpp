@@ -295,16 +295,10 @@ class PlacedDrawing {
     ilTile readBox_;
 };
 
-// The pixels of the source to one of the plane, of the axis that shrinks less.
-float scaleOf(const Placing& placing) {
-    if (placing.folded || !isStraight(placing.forward)) return 1.0f;
-    const ProjectiveMap& m = placing.forward;
-    return static_cast<float>(std::max(std::hypot(m.a, m.b), std::hypot(m.d, m.e)));
-}
-
 Ref<ilSmartImage> drawn(ilSmartImage& source, const Placing& placing, SampleMode mode,
                         const ilTile& target) {
-    const std::int32_t block = mode == SampleMode::Nearest ? 1 : reducingBlock(scaleOf(placing));
+    const bool reduces = mode != SampleMode::Nearest && isStraight(placing.forward);
+    const std::int32_t block = reduces ? reducingBlock(mostScale(placing)) : 1;
     if (block == 1) return PlacedDrawing(source, placing, mode, target).run();
     const Ref<ilSmartImage> level = reducedCopy(source, block);
     if (!level) return {};
@@ -393,6 +387,19 @@ Placing placingOfLevel(const Placing& placing, ilSmartImage& level, std::int32_t
     reduced.forward = joined(scaledBy(block, block), placing.forward);
     reduced.back = joined(placing.back, scaledBy(1.0 / block, 1.0 / block));
     return reduced;
+}
+
+float mostScale(const Placing& placing) {
+    if (placing.folded) return 1.0f;
+    const ProjectiveMap& m = placing.forward;
+    double most = 0.0;
+    for (const PlanePoint& corner : cornersOf(placing.content)) {
+        const double w = depthAt(m, corner.x, corner.y);
+        const PlanePoint p = apply(m, corner.x, corner.y);
+        most = std::max({most, std::hypot(m.a - p.x * m.c, m.b - p.y * m.c) / w,
+                         std::hypot(m.d - p.x * m.f, m.e - p.y * m.f) / w});
+    }
+    return static_cast<float>(most);
 }
 
 ilTile placedBox(const Placing& placing, SampleMode mode) {

@@ -46,6 +46,10 @@ struct Placing {
 [[nodiscard]] Placing placingOfLevel(const Placing& placing, ilSmartImage& level,
                                      std::int32_t block);
 
+// How many pixels of the plane go to one of the source along its rows or columns, where that is the
+// most; 1 for a folded quad.
+[[nodiscard]] float mostScale(const Placing& placing);
+
 // The pixels of the plane that the content reaches, soft edges included; cut to what an image can
 // hold.
 [[nodiscard]] ilTile placedBox(const Placing& placing, SampleMode mode);

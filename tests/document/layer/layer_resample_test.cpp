@@ -323,6 +323,23 @@ TEST(LayerResample, ThePlacedCopyIsKeptWhileNothingChanges) {
     EXPECT_NE(layer->renderTransformed(record, &x, &y).get(), image.get());
 }
 
+// Where moved corners stretch what the scale shrinks, edges are as sharp as the picture's own.
+TEST(LayerResample, NoReducedLevelIsStretched) {
+    const Ref<ilSmartImage> color = blank(4);
+    paintSolid(*color, flatTile(0, 0, 20, 20), {40, 50, 60, 255});
+    const Ref<Layer> layer = makeLayer(LayerRole::Paint, color);
+    TransformRecord record = recordOf(0, 0, 0.5f, 0.5f, 0.0f);
+    for (const float skew : {0.0f, 20.0f}) {
+        record.corners = {0, 0, 90, 0, 90, 90 + skew, 0, 90};
+        std::int32_t x = 0, y = 0;
+        const Ref<ilImage> image = layer->renderTransformed(record, &x, &y);
+        ASSERT_TRUE(image);
+        ilSmartImage& shown = *ilSmartImage::from(image.get());
+        EXPECT_EQ(shown.getPixel(95 - x, 50 - y) >> 24, 255u);
+        EXPECT_EQ(shown.getPixel(104 - x, 50 - y) >> 24, 0u);
+    }
+}
+
 // Blocks are counted from pixel (0, 0), in both directions.
 TEST(ViewLevels, ALevelHoldsTheMeansOfItsBlocks) {
     Dice dice(12);

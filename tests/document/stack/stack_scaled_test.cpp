@@ -142,7 +142,7 @@ TEST_F(ScaledFrames, ShowWhatTheTransformLeaves) {
         plain_.clear();
         groups_.clear();
         build(dice);
-        static constexpr float scales[] = {1.0f, 2.0f, 0.8f, 1.3f};
+        static constexpr float scales[] = {1.0f, 0.5f, 2.0f, 0.8f, 1.3f};
         host_.view[0] = static_cast<float>(pick(dice, -20, 40));
         host_.view[1] = static_cast<float>(pick(dice, -20, 40));
         host_.view[2] = scales[n % std::size(scales)];
