@@ -122,8 +122,13 @@ void Layer::ensureStencil() {
     images_.stencil = Ref<ilImage>(new ilSmartImage(ilPixel(TypeUChar, 1, &passes)));
 }
 
+bool Layer::clips() const {
+    const Ref<ilImage>& clip = images_.clip;
+    return !boundsOf(clip.get()).isEmpty() || (clip && clip->fill().data()[0] != 255);
+}
+
 bool Layer::isEmptyMask() {
-    return boundsOf(images_.clip.get()).isEmpty() && boundsOf(images_.stencil.get()).isEmpty();
+    return !clips() && boundsOf(images_.stencil.get()).isEmpty();
 }
 
 // A stencil's fill lets all pass, so that its bounds shrink only by force.

@@ -318,6 +318,8 @@ class Layer : public Resource {
 
     // Whether drawing the box (null: anything) takes more than the colour and the opacity.
     [[nodiscard]] bool isAttenuated(const ilTile* box, ilImage* stencil);
+    // Whether the clip image attenuates anything.
+    [[nodiscard]] bool clips() const;
     [[nodiscard]] bool wetIsOnStencil();
 
     std::uint32_t flags_ = plainFlags;

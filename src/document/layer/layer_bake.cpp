@@ -38,15 +38,19 @@ void setFillWithin(ilImage* image, const ilPixel& fill, const ilTile& bounds) {
     if (ilSmartImage* const smart = ilSmartImage::from(image)) smart->setBounds(bounds);
 }
 
+void multiplyIn(ilImage* color, ilImage* by, const ilTile& box) {
+    if (box.isEmpty()) return;
+    painterOn(color, pairKeepInside)
+        ->rect_copy(box.x, box.y, box.nx, box.ny, PaintSource::of(by, box.x, box.y), {}, 0, 1.0f,
+                    1.0f);
+}
+
 // Where `by` has pixels. A colour that is blank beyond its pixels has nothing there to multiply.
 void multiply(ilImage* color, ilImage* by) {
     if (!color || !by) return;
     ilTile box = boundsOf(by);
     if (isBlank(color->fill())) box = intersection(box, boundsOf(color));
-    if (box.isEmpty()) return;
-    painterOn(color, pairKeepInside)
-        ->rect_copy(box.x, box.y, box.nx, box.ny, PaintSource::of(by, box.x, box.y), {}, 0, 1.0f,
-                    1.0f);
+    multiplyIn(color, by, box);
 }
 
 // What a painter makes of that pixel.
@@ -85,7 +89,18 @@ void Layer::bakeStencil() {
 
 void Layer::bakeClip() {
     refreshClip();
-    multiply(colorImageRef(), images_.clip.get());
+    ilImage* const color = colorImageRef();
+    ilImage* const clip = images_.clip.get();
+    const std::uint8_t beyond = clip ? clip->fill().data()[0] : passes;
+    if (!color || beyond == passes) {
+        multiply(color, clip);
+    } else {
+        const bool covers = !isBlank(color->fill());
+        const ilTile box = covers ? unionOf(boundsOf(color), boundsOf(clip)) : boundsOf(color);
+        multiplyIn(color, clip, covers ? SmartBounds::toPages(box) : box);
+        if (covers)
+            setFillWithin(color, faded(color->fill(), static_cast<float>(beyond) / 255.0f), box);
+    }
     touch();
 }
 

@@ -19,6 +19,12 @@ namespace brushwork {
     return box;
 }
 
+// The part of a box in which a clip image attenuates; empty for null.
+[[nodiscard]] inline ilTile clippedPart(ilImage* clip, const ilTile& box) {
+    if (clip && clip->fill().data()[0] != 255) return box;
+    return intersection(boundsOf(clip), box);
+}
+
 [[nodiscard]] inline ilTile moved(ilTile box, std::int32_t dx, std::int32_t dy) {
     box.x += dx;
     box.y += dy;

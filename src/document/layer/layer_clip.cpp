@@ -13,12 +13,12 @@ Ref<ilSmartImage> grayImage(std::uint8_t fill) {
     return Ref<ilSmartImage>(new ilSmartImage(ilPixel(TypeUChar, 1, &fill)));
 }
 
-// A stencil layer, in the pixels of the layer that it clips.
+// A stencil layer, in the pixels of the layer that it clips. What its fill holds back is held back
+// everywhere beyond its box.
 struct ClipPart {
     ilImage* image = nullptr;
     std::int32_t x = 0, y = 0;  // of the image's pixel (0, 0)
     ilTile box;
-    bool coversAll = false;  // it holds back beyond its box, too
     float opacity = 1.0f;
 };
 
@@ -45,22 +45,23 @@ std::vector<ClipPart> partsAbove(Layer& base) {
         part.x -= baseX;
         part.y -= baseY;
         part.box = moved(boundsOf(part.image), part.x, part.y);
-        part.coversAll = part.image->fill().data()[0] != 0;
         part.opacity = layer->opacity();
         parts.push_back(part);
     }
     return parts;
 }
 
-// What holds back, over each other from the bottom up, as far as `content` and the parts reach.
+// What holds back in a box, over each other from the bottom up.
 class ClipSum {
   public:
-    ClipSum() : sum_(grayImage(0)), painter_(new SoftPaintOps(sum_.get())) {
+    explicit ClipSum(const ilTile& box)
+        : box_(box), sum_(grayImage(0)), painter_(new SoftPaintOps(sum_.get())) {
         painter_->setBlendFactors(pairCopy.source, pairCopy.target);
     }
 
-    void add(const ClipPart& part, const ilTile& all) {
-        const ilTile area = part.coversAll ? all : part.box;
+    void add(const ClipPart& part) {
+        const bool holdsAll = part.image->fill().data()[0] != 0;
+        const ilTile area = holdsAll ? box_ : intersection(part.box, box_);
         if (area.isEmpty()) return;
         const Ref<ilImage> faded = part.opacity < opaqueEnough ? fadedPart(part, area) : nullptr;
         ilImage* const source = faded ? faded.get() : part.image;
@@ -70,20 +71,7 @@ class ClipSum {
         painter_->setBlendFactors(pairOver.source, pairOver.target);
     }
 
-    // 255 less the sum; null where nothing holds back.
-    [[nodiscard]] Ref<ilSmartImage> complement() {
-        sum_->shrinkBounds();
-        const ilTile box = boundsOf(sum_.get());
-        if (box.isEmpty()) return {};
-        Ref<ilSmartImage> rest = grayImage(255);
-        rest->copyRegion(box, *sum_, box.x, box.y, 0, nullptr, CopyDirection::FromOther);
-        const Ref<SoftPaintOps> painter(new SoftPaintOps(rest.get()));
-        painter->setBlendFactors(pairInvert.source, pairInvert.target);
-        constexpr std::uint8_t full = 255;
-        painter->fillRegion(box, ilPixel(TypeUChar, 1, &full));
-        rest->shrinkBounds(true);
-        return boundsOf(rest.get()).isEmpty() ? nullptr : rest;
-    }
+    [[nodiscard]] const Ref<ilSmartImage>& image() const { return sum_; }
 
   private:
     // At the image's own place.
@@ -97,23 +85,39 @@ class ClipSum {
         return scratch;
     }
 
+    ilTile box_;
     Ref<ilSmartImage> sum_;
     Ref<SoftPaintOps> painter_;
 };
 
-// In `reach` if a part covers all.
-Ref<ilImage> clipOf(Layer& base, ilTile& reach) {
-    reach = ilTile();
+Ref<ilSmartImage> sumOf(const std::vector<ClipPart>& parts, const ilTile& box) {
+    ClipSum sum(box);
+    for (const ClipPart& part : parts) sum.add(part);
+    return sum.image();
+}
+
+// 255 less what the parts hold back, its fill beyond them; null where they let all through.
+Ref<ilImage> clipOf(Layer& base) {
     const std::vector<ClipPart> parts = partsAbove(base);
-    if (parts.empty()) return {};
-    ilTile all;
-    base.contentBounds(all, false);
-    for (const ClipPart& part : parts) all = unionOf(all, part.box);
-    for (const ClipPart& part : parts)
-        if (part.coversAll) reach = all.isEmpty() ? flatTile(0, 0, 1, 1) : all;
-    ClipSum sum;
-    for (const ClipPart& part : parts) sum.add(part, all);
-    return sum.complement();
+    ilTile box;
+    for (const ClipPart& part : parts) box = unionOf(box, part.box);
+    const ilTile outside = flatTile(box.endX(), box.endY(), 1, 1);
+    const std::uint32_t beyond = sumOf(parts, outside)->getPixel(outside.x, outside.y) & 255;
+    const Ref<ilSmartImage> sum = sumOf(parts, box);
+    if (beyond == 0) {
+        sum->shrinkBounds();
+        box = boundsOf(sum.get());
+    }
+    const Ref<ilSmartImage> rest = grayImage(static_cast<std::uint8_t>(255 - beyond));
+    if (!box.isEmpty()) {
+        rest->copyRegion(box, *sum, box.x, box.y, 0, nullptr, CopyDirection::FromOther);
+        const Ref<SoftPaintOps> painter(new SoftPaintOps(rest.get()));
+        painter->setBlendFactors(pairInvert.source, pairInvert.target);
+        constexpr std::uint8_t full = 255;
+        painter->fillRegion(box, ilPixel(TypeUChar, 1, &full));
+        rest->shrinkBounds(true);
+    }
+    return beyond == 0 && boundsOf(rest.get()).isEmpty() ? nullptr : rest;
 }
 
 }  // namespace
@@ -122,14 +126,9 @@ void Layer::refreshClip() {
     Layer& base = *baseLayer();
     if (base.role_ != LayerRole::Paint || base.asGroup()) return;
     LayerImages& images = base.images_;
-    if (!images.clipDirty && !images.clipReach.isEmpty()) {
-        ilTile content;
-        base.contentBounds(content, false);
-        images.clipDirty = !content.isEmpty() && !images.clipReach.contains(content);
-    }
     if (!images.clipDirty) return;
     images.clipDirty = false;
-    images.clip = clipOf(base, images.clipReach);
+    images.clip = clipOf(base);
 }
 
 }  // namespace brushwork

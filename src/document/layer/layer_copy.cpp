@@ -63,7 +63,6 @@ Layer::Layer(const Layer& other)
     images_.stencil = smartCopy(other.images_.stencil.get());
     images_.clip = smartCopy(other.images_.clip.get());
     images_.clipDirty = other.images_.clipDirty;
-    images_.clipReach = other.images_.clipReach;
     images_.source = other.images_.source;
     // Each layer draws into its own.
     thumbnail_.image = memoryCopy(other.thumbnail_.image.get());

@@ -27,8 +27,7 @@ void drawAt(PaintOps& painter, const ilTile& box, ilImage* image) {
                       1.0f, 1.0f);
 }
 
-void keepInside(PaintOps& painter, const ilTile& box, ilImage* image) {
-    const ilTile part = intersection(boundsOf(image), box);
+void keepInside(PaintOps& painter, const ilTile& part, ilImage* image) {
     if (part.isEmpty()) return;
     setPair(painter, pairKeepInside);
     drawAt(painter, part, image);
@@ -40,17 +39,13 @@ void fadeInside(PaintOps& painter, const ilTile& box, float opacity) {
     fade(painter, box, opacity);
 }
 
-// Whether an image has something to take away in a box; null: anywhere.
-bool attenuates(ilImage* image, const ilTile* box) {
-    const ilTile bounds = boundsOf(image);
-    return !(box ? intersection(bounds, *box) : bounds).isEmpty();
-}
-
 }  // namespace
 
 bool Layer::isAttenuated(const ilTile* box, ilImage* stencil) {
-    return role_ != LayerRole::Paint || attenuates(stencil, box) ||
-           attenuates(images_.clip.get(), box);
+    if (role_ != LayerRole::Paint) return true;
+    if (!box) return !boundsOf(stencil).isEmpty() || clips();
+    return !intersection(boundsOf(stencil), *box).isEmpty() ||
+           !clippedPart(images_.clip.get(), *box).isEmpty();
 }
 
 void Layer::drawSteps(PaintOps& target, const Drawing& drawing) {
@@ -67,9 +62,9 @@ void Layer::drawSteps(PaintOps& target, const Drawing& drawing) {
     drawAt(target, box, drawing.color);
     fadeInside(target, box, isTinted ? tintStrength : drawing.opacity);
     fadeInside(target, box, drawing.overlayOpacity);
-    keepInside(target, box, drawing.stencil);
+    keepInside(target, intersection(boundsOf(drawing.stencil), box), drawing.stencil);
     if (role_ == LayerRole::Paint) refreshClip();
-    keepInside(target, box, images_.clip.get());
+    keepInside(target, clippedPart(images_.clip.get(), box), images_.clip.get());
 }
 
 Layer::Drawing Layer::drawing(const ilTile& box, float opacity) {

@@ -3,7 +3,6 @@
 
 #include <vector>
 
-#include "brushwork/il_tile.h"
 #include "brushwork/ref.h"
 #include "image/chain/il_image.h"
 
@@ -12,11 +11,10 @@ namespace brushwork {
 struct LayerImages {
     Ref<ilImage> color;    // smart
     Ref<ilImage> stencil;  // smart, 1 channel: attenuates the colour; 255 passes everything
-    Ref<ilImage> clip;     // the stencil layers above, combined; null when they let all through
+    // The stencil layers above, combined; null when they let all through. A fill other than 255
+    // attenuates all that lies beyond its pixels.
+    Ref<ilImage> clip;
     bool clipDirty = true;
-    // A stencil above holds back beyond its box, too: the clip image serves in this box of the
-    // layer's pixels alone. Empty: anywhere.
-    ilTile clipReach;
     Ref<ilImage> source;  // set by the facade and copied with the layer
     // Scratch copies, one a level number; level 0 is the image itself.
     std::vector<Ref<ilImage>> levels, wetLevels;

@@ -11,8 +11,6 @@ namespace {
 // alone.
 std::vector<std::uint8_t> clipModel(Layer& base) {
     std::vector<int> sum(static_cast<std::size_t>(frame.nx * frame.ny));
-    ilTile all;
-    base.contentBounds(all, false);
     struct Part {
         std::vector<std::uint8_t> bytes;
         int byte;
@@ -25,10 +23,6 @@ std::vector<std::uint8_t> clipModel(Layer& base) {
             continue;
         const std::int32_t dx = layer->offsetXInt() - base.offsetXInt();
         const std::int32_t dy = layer->offsetYInt() - base.offsetYInt();
-        ilTile box = boxOf(layer->colorImageRef());
-        box.x += dx;
-        box.y += dy;
-        all = unionOf(all, box);
         const ilTile there = flatTile(frame.x - dx, frame.y - dy, frame.nx, frame.ny);
         const float opacity = layer->opacity();
         parts.push_back({bytesOf(layer->colorImageRef(), there),
@@ -40,7 +34,6 @@ std::vector<std::uint8_t> clipModel(Layer& base) {
             const auto place = static_cast<std::size_t>((y - frame.y) * frame.nx + x - frame.x);
             int held = 0;
             for (const Part& part : parts) {
-                if (!holds(all, x, y)) continue;
                 const int s = partOf(part.bytes[place], part.byte);
                 held = s + partOf(held, 255 - s);
             }
@@ -135,6 +128,26 @@ TEST(LayerClip, AStencilThatCoversAllHoldsBackWhatIsPaintedLater) {
         const auto shown = bytesOf(base->wetComposite(box, nullptr, nullptr).get(), box);
         EXPECT_EQ(std::count(shown.begin(), shown.end(), 0), std::ssize(shown)) << place;
     }
+}
+
+TEST(LayerClip, AStencilThatCoversAllClipsABaseThatCoversAll) {
+    const Ref<Layer> base = makeLayer(LayerRole::Paint, blank(4, 200), 5.0f, 7.0f);
+    paintSolid(*base->smartColor(), flatTile(0, 0, 30, 30), {90, 60, 30, 255});
+    const Ref<Layer> stencil = makeLayer(LayerRole::Stencil, blank(1, 155));
+    paintSolid(*stencil->smartColor(), flatTile(300, 20, 40, 40), {0});
+    link({base, stencil});
+    const ilTile wide = flatTile(-400, -400, 1600, 1200);
+    const auto shown = bytesOf(base->wetComposite(wide, nullptr, nullptr).get(), wide);
+    const auto at = [&](int x, int y) {
+        return shown[static_cast<std::size_t>(4 * ((y - wide.y) * wide.nx + x - wide.x))];
+    };
+    EXPECT_EQ(at(10, 10), partOf(90, 100));
+    EXPECT_EQ(at(1000, 700), partOf(200, 100));
+    EXPECT_EQ(at(300 - 5, 20 - 7), 200);
+    EXPECT_FALSE(base->isEmptyMask());
+    base->bakeClip();
+    EXPECT_EQ(difference(bytesOf(base->colorImageRef(), wide), shown, 4, wide), "");
+    EXPECT_EQ(base->smartColor()->getPixel(5000, 5000) & 255, partOf(200, 100));
 }
 
 }  // namespace
