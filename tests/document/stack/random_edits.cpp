@@ -108,7 +108,7 @@ void RandomEdits::addSomething() {
                            : kind == 3 ? LayerRole::Stencil
                                        : LayerRole::Paint;
     const int channels = role == LayerRole::Paint ? 4 : 1;
-    const std::uint8_t fill = role == LayerRole::Paint && pick(dice_, 0, 9) == 0 ? 70 : 0;
+    const std::uint8_t fill = role != LayerRole::Mask && pick(dice_, 0, 9) == 0 ? 70 : 0;
     const Ref<ilSmartImage> color = blank(channels, fill);
     const ilTile box = anyArea();
     if (pick(dice_, 0, 2) == 0)
