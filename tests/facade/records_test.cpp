@@ -211,6 +211,28 @@ TEST(UndoVariable, TurnsUndoOffForTheProcess) {
     resetSettings();
 }
 
+// There is no record that could bring one back.
+TEST_F(FiledRecords, TransformsLeaveShapeLayersWhereTheyAre) {
+    ASSERT_GE(addShape(), 0);
+    const std::int32_t shapes = manager_.activeLayerId();
+    ASSERT_TRUE(manager_.isShapeLayer(shapes));
+    TransformRecord moves, turns, bends;
+    moves.x = 12;
+    turns.rotation = 30;
+    bends.corners = {-10, 5, 20, 0, 15, 25, 0, -12};
+    const std::int32_t ids[] = {shapes};
+    for (const TransformRecord& record : {moves, turns, bends}) {
+        const DocumentState before = stateOf(manager_);
+        EXPECT_EQ(filed([&] {
+                      ASSERT_TRUE(manager_.beginTransform(ids, 0, 0));
+                      manager_.updateTransform(record);
+                      manager_.endTransform(true);
+                  }),
+                  "");
+        EXPECT_EQ(differences(before, stateOf(manager_)), "");
+    }
+}
+
 TEST_F(FiledRecords, AreDumpedWithTheirCanvases) {
     std::string text;
     setLogSink([&](std::string_view piece) { text += piece; });

@@ -54,9 +54,9 @@ QuadCorners cornersOf(Layer& layer, const TransformRecord& record) {
     return corners;
 }
 
-// A shape layer moves, but its shapes keep the form that the host gives them: they are drawn anew.
+// Shapes keep the place and the form that the host gives them: they are drawn anew.
 void apply(Layer& layer, const TransformRecord& record) {
-    if (layer.holdsShapes() && !onlyMoves(record)) return;
+    if (layer.holdsShapes()) return;
     if (onlyMoves(record)) {
         float x = 0.0f;
         float y = 0.0f;
