@@ -70,7 +70,7 @@ class PageRealizeTest : public PageTest {
 };
 
 TEST_P(PageRealizeTest, EveryModeInEveryState) {
-    forAll([this](Subject& subject, SmartPageRef& other, RealizeMode mode) {
+    forAll([](Subject& subject, SmartPageRef& other, RealizeMode mode) {
         SmartPageRef& slot = subject.page;
         SmartPage* const old = slot.get();
         const PageState state = old->state;
