@@ -89,7 +89,8 @@ class Warp : public testing::Test {
         std::vector<std::uint8_t> bytes;
         for (int y = 0; y < document.ny; ++y) {
             for (int x = 0; x < document.nx; ++x) {
-                const auto tone = static_cast<std::uint8_t>((x * 5 ^ y * 3) + random() % 20);
+                const auto tone =
+                    static_cast<std::uint8_t>(static_cast<unsigned>(x * 5 ^ y * 3) + random() % 20);
                 bytes.insert(bytes.end(), {tone, static_cast<std::uint8_t>(x),
                                            static_cast<std::uint8_t>(y), 255});
             }

@@ -180,7 +180,8 @@ TEST(ImageBlendBrush, NormalAndEraserOnOnePlane) {
     const auto eraser = makeRef<blender::BrushEraser<>>();
     for (int round = 0; round < 40; ++round) {
         for (const bool erases : {false, true}) {
-            Layer layer(1 + static_cast<std::uint32_t>(random() % 40), 4, round % 3 * 2, random);
+            Layer layer(1 + static_cast<std::uint32_t>(random() % 40), 4,
+                        static_cast<std::uint32_t>(round % 3 * 2), random);
             blender::BrushBase<>* brush = normal.get();
             if (erases) brush = eraser.get();
             layer.bind(*brush);
