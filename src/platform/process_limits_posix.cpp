@@ -19,18 +19,12 @@
 #include <mutex>
 
 #include "platform/process_limits.h"
+#include "platform/sanitizers.h"
 #include "platform/text_codec.h"
 
 namespace brushwork::platform {
 
 namespace {
-
-// Sanitizers reserve terabytes of address space and look for leaks with a process of their own.
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr bool sanitized = true;
-#else
-constexpr bool sanitized = false;
-#endif
 
 constexpr int failureExit = 255;
 

@@ -7,6 +7,7 @@
 #include <random>
 
 #include "bridge_run.h"
+#include "platform/sanitizers.h"
 
 namespace brushwork {
 namespace {
@@ -20,11 +21,7 @@ using test::Where;
 using test::writeBytes;
 using Bytes = std::vector<std::uint8_t>;
 
-#if defined(__SANITIZE_ADDRESS__)
-constexpr int filesPerFormat = 4200;
-#else
-constexpr int filesPerFormat = 400;
-#endif
+constexpr int filesPerFormat = platform::addressSanitized ? 4200 : 400;
 constexpr unsigned seed = 20261;
 constexpr double mostSeconds = 5.0;
 

@@ -15,19 +15,13 @@
 #include <functional>
 #include <thread>
 
+#include "platform/sanitizers.h"
 #include "platform/swap_io.h"
 #include "platform/text_codec.h"
 #include "support/scratch_directory.h"
 
 namespace brushwork::platform {
 namespace {
-
-// Sanitizers need the address space and the processes that the limits take away.
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr bool sanitized = true;
-#else
-constexpr bool sanitized = false;
-#endif
 
 // The wait status of a child that runs `body` and ends with its answer. The parent may act on the
 // child while it runs.

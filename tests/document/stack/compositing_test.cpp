@@ -6,23 +6,18 @@
 
 #include "document/stack/naive_compositor.h"
 #include "document/stack/random_edits.h"
+#include "platform/sanitizers.h"
 #include "support/test_seed.h"
 
 namespace brushwork::test {
 namespace {
 
-#if defined(__has_feature)
-#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
-#define BRUSHWORK_SANITIZED
-#endif
-#elif defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-#define BRUSHWORK_SANITIZED
-#endif
-#if defined(BRUSHWORK_SANITIZED) || !defined(NDEBUG)
-constexpr std::uint64_t defaultDocuments = 6;
+#if defined(NDEBUG)
+constexpr bool isSlow = platform::sanitized;
 #else
-constexpr std::uint64_t defaultDocuments = 60;
+constexpr bool isSlow = true;
 #endif
+constexpr std::uint64_t defaultDocuments = isSlow ? 6 : 60;
 constexpr int editsEach = 30;
 
 std::uint64_t environment(const char* name, std::uint64_t otherwise) {

@@ -9,22 +9,17 @@
 #include "image/memory/image_lock.h"
 #include "image/memory/memory_manager.h"
 #include "image/smart/smart_oracle.h"
+#include "platform/sanitizers.h"
 
 namespace brushwork::test {
 namespace {
 
-#if defined(__has_feature)
-#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
-#define BRUSHWORK_SANITIZED
-#endif
-#elif defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-#define BRUSHWORK_SANITIZED
-#endif
-#if defined(BRUSHWORK_SANITIZED) || !defined(NDEBUG)
-constexpr std::uint64_t defaultOperations = 6000;
+#if defined(NDEBUG)
+constexpr bool isSlow = platform::sanitized;
 #else
-constexpr std::uint64_t defaultOperations = 60000;
+constexpr bool isSlow = true;
 #endif
+constexpr std::uint64_t defaultOperations = isSlow ? 6000 : 60000;
 constexpr std::uint64_t operationsEach = 3000;
 
 std::uint64_t environment(const char* name, std::uint64_t otherwise) {
