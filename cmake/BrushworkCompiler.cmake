@@ -37,7 +37,7 @@ if(BRUSHWORK_SANITIZE)
     -fsanitize=${BRUSHWORK_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
   target_link_options(brushwork_options INTERFACE -fsanitize=${BRUSHWORK_SANITIZE})
   if(CMAKE_CXX_COMPILER_ID STREQUAL Clang AND BRUSHWORK_SANITIZE MATCHES thread)
-    # Its runtime brings an operator new that isn't weak; tests that count allocations have another.
+    # Its runtime brings an operator new that isn't weak beside that of tests that count allocations.
     target_link_options(brushwork_options INTERFACE -Wl,-z,muldefs)
   endif()
 endif()
