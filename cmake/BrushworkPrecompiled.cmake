@@ -1,8 +1,8 @@
 # brushwork_precompile(<target> [TESTS])
 #
 # Parses the common standard headers, for tests also GoogleTest, once a target instead of once a
-# file. Off unless asked for; the release build asks for it in tests alone, and so shows whether each
-# file of the engine includes what it uses.
+# file. Off unless asked for; builds by g++ ask for it in tests alone, and so show whether each file
+# of the engine includes what it uses.
 set(BRUSHWORK_PRECOMPILE "" CACHE STRING "Precompile the common headers of TESTS or of ALL targets")
 
 function(brushwork_precompile target)
