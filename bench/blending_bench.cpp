@@ -93,6 +93,13 @@ struct Pictures {
             mask[i] = static_cast<std::uint8_t>(1 + bytes[i] % 254);
         color.fill(0xB0402080);
     }
+
+    // Pictures too large for the caches are measured in the widest form alone: there the others
+    // tell nothing that the small ones don't.
+    [[nodiscard]] std::vector<VectorLevel> levels() const {
+        if (side > 2000) return {VectorLevel::Avx2};
+        return {VectorLevel::Scalar, VectorLevel::Sse2, VectorLevel::Avx2};
+    }
 };
 
 enum class Shape { Image, ImageMasked, ColorMasked };
@@ -154,12 +161,13 @@ void measure(Pictures& p, const std::string& name, BlendModeId mode, Shape shape
     const auto blender = npc::createBlender(mode);
     if (shape == Shape::ImageMasked) blender->setOpacity(0.8F);
     bench::Rounds rounds;
-    for (const VectorLevel level : {VectorLevel::Scalar, VectorLevel::Sse2, VectorLevel::Avx2}) {
+    for (const VectorLevel level : p.levels()) {
         rounds.add(vectorLevelName(level), [&, level] {
             forceVectorLevel(level);
             blend(*blender, p, shape);
         });
     }
+    const std::size_t widest = rounds.jobs().size() - 1;
 #ifdef BRUSHWORK_WITH_PIXMAN
     std::unique_ptr<PixmanJob> job;
     if (peer.op >= 0) {
@@ -171,9 +179,12 @@ void measure(Pictures& p, const std::string& name, BlendModeId mode, Shape shape
     const double work = static_cast<double>(p.pixels) * p.repeats / 1e6;
     std::printf("%-22s", name.c_str());
     for (const bench::Job& done : rounds.jobs()) std::printf(" %8.1f", work / done.median());
-    if (rounds.jobs().size() > 3)
-        std::printf("   x %.2f (aim %.1f)", rounds.median(3) / rounds.median(2), peer.aim);
+    if (rounds.jobs().size() > widest + 1) {
+        std::printf("   x %.2f", rounds.median(widest + 1) / rounds.median(widest));
+        if (peer.aim > 0.0) std::printf(" (aim %.1f)", peer.aim);
+    }
     std::printf("\n");
+    std::fflush(stdout);
 }
 
 void measureAll(int side) {
@@ -188,7 +199,9 @@ void measureAll(int side) {
     const double megapixels = static_cast<double>(p.pixels) * p.repeats / 1e6;
     std::printf("\n%d x %d: a copy %.0f Mpx/s, %.1f GB/s\n", side, side,
                 megapixels / copy.median(0), megapixels * 8 / 1e3 / copy.median(0));
-    std::printf("%-22s %8s %8s %8s %8s\n", "Mpx/s", "plain", "sse2", "avx2", "pixman");
+    std::printf("%-22s", "Mpx/s");
+    for (const VectorLevel level : p.levels()) std::printf(" %8s", vectorLevelName(level));
+    std::printf(" %8s\n", "pixman");
     const Peer over = peerOf(BlendModeId::Normal);
     measure(p, "Normal", BlendModeId::Normal, Shape::Image, over);
     measure(p, "Normal mask+opacity", BlendModeId::Normal, Shape::ImageMasked, {over.op, 1.2});
