@@ -53,13 +53,10 @@ class BRUSHWORK_API PntUndoDatabase {
     bool drop(std::int32_t handle);
     // Archives the oldest record and drops it. False for an empty list.
     bool retireOldest();
-    // All records are about to go: what one of them archives, no other needs.
-    [[nodiscard]] bool isClearing() const { return clearing_; }
 
   private:
     std::list<Ref<PntUndoOper>> records_;
     bool clearPending_ = false;
-    bool clearing_ = false;
 };
 
 // The one that the engine files into: the host's. Null: no record is made.

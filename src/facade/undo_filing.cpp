@@ -72,8 +72,14 @@ void recordStackWithLayers(FacadeState& state, std::int32_t canvas,
     recordStackWithLayers(state, canvas, ids);
 }
 
+// With the records gone nothing looks at what the images hang from: left there, it would hold the
+// pages of every edit before a clearing for ever.
 void clearUndoRecords(FacadeState& state) {
-    if (PntUndoDatabase* const database = undoDatabase()) database->clear();
+    if (PntUndoDatabase* const database = undoDatabase()) {
+        database->clear();
+        for (const Ref<LayerStack>& stack : state.canvases.slots)
+            if (stack) stack->collapseImages();
+    }
     if (state.stroke.renderer) state.stroke.renderer->resetParameters();
 }
 

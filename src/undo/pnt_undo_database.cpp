@@ -29,10 +29,8 @@ bool PntUndoDatabase::add(PntUndoOper* record) {
 
 // The list stays whole meanwhile, so that each record sees those after it.
 bool PntUndoDatabase::clear() {
-    clearing_ = true;
     for (const Ref<PntUndoOper>& record : records_)
         if (record) record->archive(*this);
-    clearing_ = false;
     records_.clear();
     return true;
 }

@@ -11,12 +11,6 @@
 namespace brushwork {
 namespace {
 
-void collapseImages(LayerStack* stack) {
-    if (!stack) return;
-    for (Layer* layer = stack->parts().list.first.get(); layer; layer = layer->next.get())
-        layer->collapseImages();
-}
-
 bool isAbout(const PntUndoOper* record, const LayerStack* stack) {
     if (const auto* const combo = dynamic_cast<const PntUndoCombo*>(record))
         return std::any_of(combo->children().begin(), combo->children().end(),
@@ -81,16 +75,15 @@ void PntUndoLayerStack::redo(bool* deferRedraw) {
     undone_ = false;
 }
 
-// Records made since on the saved stack undo by the chains of its images.
+// Records made since on the saved stack undo, or fold themselves away, by the chains of its images.
 void PntUndoLayerStack::archive(PntUndoDatabase& database) {
     if (undone_) return;
-    collapseImages(stack());
+    if (stack()) stack()->collapseImages();
     const bool needed =
-        !database.isClearing() &&
         std::any_of(database.records().begin(), database.records().end(), [&](const auto& record) {
             return record != this && isAbout(record.get(), savedStack_.get());
         });
-    if (!needed) collapseImages(savedStack_.get());
+    if (!needed && savedStack_) savedStack_->collapseImages();
 }
 
 }  // namespace brushwork

@@ -1,10 +1,13 @@
 // Which records the families file, and what switches, notes and prints them.
 #include <gtest/gtest.h>
 
+#include "document/layer/layer.h"
 #include "facade/document_state.h"
+#include "facade/facade_state.h"
 #include "facade/session_host.h"
 #include "foundation/services/log.h"
 #include "foundation/services/settings.h"
+#include "image/smart/il_smart_image.h"
 #include "platform/environment.h"
 #include "undo/pnt_undo_combo.h"
 
@@ -184,6 +187,30 @@ TEST_F(FiledRecords, SnapshotsAreArchivedAtOnce) {
     manager_.snapshotAndClear(3);
     EXPECT_EQ(host_.undo.count(), 0u);
     EXPECT_EQ(differences(before, stateOf(manager_)), "");
+}
+
+// Strokes around new layers fold into each other, and no clearing leaves older pages behind.
+TEST_F(FiledRecords, ClearingFoldsChainsWhole) {
+    std::string lines;
+    setLogSink([&](std::string_view text) { lines += text; });
+    std::vector<std::int32_t> ids{layer_};
+    for (int round = 0; round < 3; ++round) {
+        for (int n = 0; n < 6; ++n) {
+            if (n == 3) ids.push_back(manager_.newLayer());
+            manager_.strokeLine(20, 20.0f + static_cast<float>(10 * n), 90, 70);
+        }
+        manager_.setActiveLayer(layer_);
+        const DocumentState before = stateOf(manager_);
+        manager_.clearUndo();
+        EXPECT_EQ(differences(before, stateOf(manager_)), "");
+        for (const std::int32_t id : ids) {
+            Layer* const layer = manager_.state().current()->layerById(id);
+            ilImage* const base = ilSmartImage::from(layer->colorImageRef())->source();
+            EXPECT_TRUE(!base || !ilSmartImage::from(base)->source()) << id;
+        }
+    }
+    setLogSink({});
+    EXPECT_EQ(lines.find("Chain"), std::string::npos) << lines;
 }
 
 // Exactly "1" turns undo off; the variable is read once.

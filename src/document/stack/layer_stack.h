@@ -77,6 +77,7 @@ class LayerStack : public Resource {
     void lockCompositing() { ++parts_.damage.lockCount; }
     void unlockCompositing() { --parts_.damage.lockCount; }
     void copyStackFrom(const LayerStack& other) { stack::copyStackFrom(parts_, other.parts_); }
+    void collapseImages() { stack::collapseImages(parts_); }
     bool scaleFrom(const LayerStack& other, float scale, SampleMode mode) {
         return stack::scaleFrom(parts_, other.parts_, scale, mode);
     }

@@ -149,6 +149,11 @@ bool scaleFrom(StackParts& to, const StackParts& from, float scale, SampleMode m
     return done;
 }
 
+void collapseImages(StackParts& stack) {
+    for (Layer* layer = stack.list.first.get(); layer; layer = layer->next.get())
+        layer->collapseImages();
+}
+
 void dump(StackParts& stack) {
     if (hostDebugLevel() != layerLogs) return;
     std::int32_t index = 0;

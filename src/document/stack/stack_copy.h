@@ -11,6 +11,8 @@ void copyParts(StackParts& to, const StackParts& from);
 void copyStackFrom(StackParts& to, const StackParts& from);
 // The same, every layer resampled.
 bool scaleFrom(StackParts& to, const StackParts& from, float scale, SampleMode mode);
+// What each image of each layer hangs from goes into what that hangs from: chains lose one link.
+void collapseImages(StackParts& stack);
 void dump(StackParts& stack);
 
 }  // namespace brushwork::stack
