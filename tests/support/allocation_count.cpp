@@ -1,6 +1,7 @@
 #include "support/allocation_count.h"
 
 #include <cstdlib>
+#include <memory>
 #include <new>
 
 namespace {
@@ -15,7 +16,18 @@ void* take(std::size_t bytes) noexcept {
 void* takeAligned(std::size_t bytes, std::align_val_t alignment) noexcept {
     ++count;
     const auto step = static_cast<std::size_t>(alignment);
-    return std::aligned_alloc(step, (bytes / step + 1) * step);
+    std::size_t space = bytes + step;
+    void* const base = std::malloc(sizeof(void*) + space);
+    if (!base) return nullptr;
+    void* place = static_cast<char*>(base) + sizeof(void*);
+    std::align(step, bytes, place, space);
+    static_cast<void**>(place)[-1] = base;
+    return place;
+}
+
+// Not every C library has aligned blocks that `free` takes back.
+void giveAligned(void* memory) noexcept {
+    if (memory) std::free(static_cast<void**>(memory)[-1]);
 }
 
 void* orThrow(void* memory) {
@@ -49,14 +61,14 @@ void operator delete(void* memory, std::size_t) noexcept {
     std::free(memory);
 }
 void operator delete(void* memory, std::align_val_t) noexcept {
-    std::free(memory);
+    giveAligned(memory);
 }
 void operator delete(void* memory, std::size_t, std::align_val_t) noexcept {
-    std::free(memory);
+    giveAligned(memory);
 }
 void operator delete(void* memory, const std::nothrow_t&) noexcept {
     std::free(memory);
 }
 void operator delete(void* memory, std::align_val_t, const std::nothrow_t&) noexcept {
-    std::free(memory);
+    giveAligned(memory);
 }

@@ -1,10 +1,15 @@
 // znOS::FileTransport: what one kind of location does for znOS::File.
 #pragma once
 
+#include <sys/stat.h>
+
 #include <vector>
 
 #include "foundation/files/file_info.h"
 #include "foundation/files/io_stream.h"
+
+// A C library may put a macro over its own function of this name.
+#undef stat
 
 namespace brushwork::znOS {
 

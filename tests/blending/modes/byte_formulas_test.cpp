@@ -117,7 +117,7 @@ bool isFullCross() {
 // How many random pixels each float mode is tried with, in each of three ways.
 std::size_t randomPixels() {
     const char* const text = std::getenv("BRUSHWORK_BLEND_PIXELS");
-    if (text && *text) return std::strtoull(text, nullptr, 10);
+    if (text && *text) return static_cast<std::size_t>(std::strtoull(text, nullptr, 10));
     return isFullCross() ? 4915200 : 163840;
 }
 
