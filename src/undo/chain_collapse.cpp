@@ -4,6 +4,7 @@
 
 #include "foundation/host/host_calls.h"
 #include "foundation/services/log.h"
+#include "undo/pnt_undo_combo.h"
 #include "undo/pnt_undo_stroke.h"
 
 namespace brushwork {
@@ -47,14 +48,21 @@ void fold(ilSmartImage* parent, ilSmartImage* child, const ChainTexts& texts) {
     }
 }
 
+bool holds(const PntUndoOper* record, const PntUndoStroke& stroke) {
+    const auto* const combo = dynamic_cast<const PntUndoCombo*>(record);
+    return combo && std::any_of(combo->children().begin(), combo->children().end(),
+                                [&](const auto& child) { return child == &stroke; });
+}
+
 }  // namespace
 
 // A combined record answers with the child that is about the layer.
 void collapseChain(PntUndoDatabase& database, PntUndoStroke& archived) {
     const auto& records = database.records();
-    auto at = std::find_if(records.begin(), records.end(),
-                           [&](const auto& record) { return record == &archived; });
-    // Behind the record itself, or, for one inside a combination, behind the oldest.
+    // Behind the record itself or the combination that it is in; else behind the oldest.
+    auto at = std::find_if(records.begin(), records.end(), [&](const auto& record) {
+        return record == &archived || holds(record.get(), archived);
+    });
     if (at == records.end()) at = records.begin();
     if (at == records.end()) return;
     for (++at; at != records.end(); ++at) {

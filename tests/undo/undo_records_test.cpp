@@ -212,6 +212,33 @@ TEST_F(StrokeRecords, ABrokenChainIsToldAndRepaired) {
     EXPECT_EQ(pixel(1), 0u);
 }
 
+// Wherever the combination stands, only what is behind it counts.
+TEST_F(StrokeRecords, AStrokeInACombinationFoldsIntoTheNextOne) {
+    const auto a = edit(1, 0xff0000ff);
+    const auto combine = [this](std::int32_t x, std::uint32_t pixel) {
+        const Ref<PntUndoStroke> made = record();
+        layer().smartColor()->setPixel(x, 0, pixel);
+        database_.add(Ref<PntUndoCombo>(new PntUndoCombo(made.get(), nullptr, nullptr, nullptr,
+                                                         nullptr, false, false, "SidCombo"))
+                          .get());
+        return made;
+    };
+    const auto b = combine(2, 0xff00ff00);
+    const auto c = combine(3, 0xffff0000);
+    const auto d = edit(4, 0xffffffff);
+    database_.clear();
+    EXPECT_EQ(logged_, Story{});
+    EXPECT_EQ(pixel(1), 0xff0000ffu);
+    EXPECT_EQ(pixel(3), 0xffff0000u);
+    // A host may also archive one from the middle.
+    const auto e = edit(5, 0xff0000ff);
+    const auto f = combine(6, 0xff00ff00);
+    const auto g = edit(7, 0xffff0000);
+    f->archive(database_);
+    EXPECT_EQ(logged_, Story{});
+    EXPECT_EQ(g->newColor()->source(), e->newColor());
+}
+
 // An image that isn't smart leaves a child over nothing, which can't be folded.
 TEST_F(StrokeRecords, AMissingGroundIsTold) {
     layer().setColorImage(
