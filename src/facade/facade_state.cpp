@@ -1,5 +1,7 @@
 #include "facade/facade_state.h"
 
+#include <algorithm>
+
 #include "document/layer/shape_layer.h"
 #include "foundation/host/host_canvas.h"
 #include "image/cache/smart_image_cache.h"
@@ -30,43 +32,65 @@ void FacadeState::makeCurrent(std::int32_t canvas) {
     if (LayerStack* const now = current()) now->parts().isCurrent = true;
 }
 
+// Handle, pixels and view of the canvas go over to the stack that now stands in its slot.
+void FacadeState::takeOver(StackParts& to, LayerStack& former) const {
+    StackParts& from = former.parts();
+    stack::endFill(from);
+    to.plane.canvas = from.plane.canvas;
+    to.plane.image = from.plane.image;
+    to.plane.ops = from.plane.ops;
+    // A plane of the engine's own has the size that the document had.
+    const ilTile size = to.plane.canvasBounds;
+    to.plane.refreshBounds();
+    if (!to.plane.canvas && !size.isEmpty() &&
+        (size.nx != to.plane.canvasBounds.nx || size.ny != to.plane.canvasBounds.ny))
+        to.plane.makeOwn(size.nx, size.ny);
+    to.view = from.view;
+    to.view.changed = true;
+    to.selection.mode = from.selection.mode;
+    to.damage.generation = from.damage.generation + 1;
+    from.plane.canvas = nullptr;
+    from.plane.image.reset();
+    from.plane.ops.reset();
+    from.isCurrent = false;
+    stack::stopSelectionTimer(from);
+    // A stack that was shown here, too, is still shown in its own slot.
+    if (std::find(canvases.slots.begin(), canvases.slots.end(), &former) != canvases.slots.end())
+        reopen(from);
+}
+
+// A stack without pixels to show itself on gets some of its own, as large as those it had.
+void FacadeState::reopen(StackParts& to) {
+    const ilTile size = to.plane.canvasBounds;
+    if (!to.plane.image) to.plane.makeOwn(size.nx, size.ny);
+    to.view.changed = true;
+    ++to.damage.generation;
+    stack::staleBoth(to);
+    stack::invalidateRect(to, to.plane.canvasBounds);
+}
+
 void FacadeState::replaceStack(LayerStack& stack, std::int32_t canvas) {
     canvas = canvases.resolve(canvas);
     if (canvas < 0 || canvas >= slotCount()) return;
     modal.enter();
     Ref<LayerStack>& slot = canvases.slots[static_cast<std::size_t>(canvas)];
     const Ref<LayerStack> former = slot;
-    if (former && former != &stack) {
-        StackParts& from = former->parts();
+    slot = Ref<LayerStack>(&stack);
+    if (!former) ++canvases.open;
+    if (former != &stack) {
         StackParts& to = stack.parts();
-        stack::endFill(from);
-        to.plane.canvas = from.plane.canvas;
-        to.plane.image = from.plane.image;
-        to.plane.ops = from.plane.ops;
-        // A plane of the engine's own has the size that the document had.
-        const ilTile size = to.plane.canvasBounds;
-        to.plane.refreshBounds();
-        if (!to.plane.canvas && !size.isEmpty() &&
-            (size.nx != to.plane.canvasBounds.nx || size.ny != to.plane.canvasBounds.ny))
-            to.plane.makeOwn(size.nx, size.ny);
-        to.view = from.view;
-        to.view.changed = true;
-        to.isCurrent = from.isCurrent;
-        to.selection.mode = from.selection.mode;
-        from.plane.canvas = nullptr;
-        from.plane.image.reset();
-        from.plane.ops.reset();
-        from.isCurrent = false;
-        stack::stopSelectionTimer(from);
+        if (former)
+            takeOver(to, *former);
+        else
+            reopen(to);
+        to.isCurrent = canvas == canvases.current;
         stack::startSelectionTimer(to);
         // What the copy shows may differ in every pixel.
         stack::staleBoth(to);
         to.caches.groups.clear();
-        to.damage.generation = from.damage.generation + 1;
         stack.invalidateRect(stack.canvasBounds());
         stack.rebuildPaintMask();
     }
-    slot = Ref<LayerStack>(&stack);
     hostLayerListChanged(true);
     modal.leave();
 }

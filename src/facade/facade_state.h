@@ -40,6 +40,8 @@ struct FacadeState final : UndoCanvases {
     [[nodiscard]] LayerStack* current() const { return stackAt(activeOne); }
 
   private:
+    void takeOver(StackParts& to, LayerStack& former) const;
+    static void reopen(StackParts& to);
     [[nodiscard]] bool locateIn(std::int32_t canvas, std::int32_t shapeId, ShapePlace& place) const;
 };
 
