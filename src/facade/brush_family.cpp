@@ -17,9 +17,9 @@ float within(float value, float low, float high) {
 }  // namespace
 
 void BrushFamily::setColor(const std::array<float, 4>& color) {
-    if (state_.stroke.open) return;
-    for (std::size_t n = 0; n < color.size(); ++n)
-        state_.brush.color[n] = within(color[n], 0.0f, 1.0f);
+    // A stroke with a drawn colour gives back the one that counts from then on.
+    auto& held = state_.brush.jittered ? state_.brush.jitterBase : state_.brush.color;
+    for (std::size_t n = 0; n < color.size(); ++n) held[n] = within(color[n], 0.0f, 1.0f);
 }
 
 std::array<float, 4> BrushFamily::color() const {
@@ -70,7 +70,7 @@ void BrushFamily::setCloneSource(std::int32_t layerId, float x, float y) {
 }
 
 void BrushFamily::setStrokeMode(std::int32_t mode) {
-    if (!state_.stroke.open) state_.brush.strokeMode = mode;
+    state_.brush.strokeMode = mode;
 }
 
 void BrushFamily::setBrushBlend(std::int32_t mode, float opacity) {
@@ -87,7 +87,6 @@ void BrushFamily::setPatternBrush(bool on) {
 }
 
 void BrushFamily::setColorJitter(bool on, float hue, float saturation, float value) {
-    if (state_.stroke.open) return;
     state_.brush.colorJitterOn = on;
     state_.brush.jitterHue = within(hue, 0.0f, 100.0f);
     state_.brush.jitterSaturation = within(saturation, 0.0f, 100.0f);

@@ -19,7 +19,7 @@ namespace brushwork {
 struct BrushState {
     float convolveStrength = 5.0f, convolveDetail = 1.5f, convolveRadius = 3.0f;
     std::array<float, 4> color{0.0f, 0.0f, 0.0f, 1.0f};  // red, green, blue, alpha
-    BrushParameters brush;
+    BrushParameters brush = BrushParameters::defaults();
     StrokeParameters stroke;
     Ref<BrushTextureParameters> texture;
     Ref<TextureGenerator> grain;  // of the texture
@@ -36,6 +36,7 @@ struct BrushState {
     bool displayUpdates = true;  // present during a stroke
     std::function<void()> strokeStartHook, strokeEndHook;
     bool colorJitterOn = false;
+    bool jittered = false;              // the colour is one drawn for this stroke
     std::array<float, 4> jitterBase{};  // the colour before jitter
     float jitterHue = 0.0f, jitterSaturation = 0.0f, jitterValue = 0.0f;  // percent
     std::int32_t maxStampBytes = 40960000, maxStamps = 30000;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "foundation/services/random_source.h"
 #include "image/filter/color_convert.h"
@@ -21,6 +22,7 @@ std::int32_t randomWhole(float low, float high) {
 void jitterColor(BrushState& brush) {
     if (!brush.colorJitterOn) return;
     brush.jitterBase = brush.color;
+    brush.jittered = true;
     const HueColor base =
         rgbToHsl({brush.color[0] * 255.0f, brush.color[1] * 255.0f, brush.color[2] * 255.0f});
     const float hueRange = brush.jitterHue * 180.0f / 100.0f;
@@ -43,7 +45,7 @@ void jitterColor(BrushState& brush) {
 }
 
 void restoreColor(BrushState& brush) {
-    if (brush.colorJitterOn) brush.color = brush.jitterBase;
+    if (std::exchange(brush.jittered, false)) brush.color = brush.jitterBase;
 }
 
 }  // namespace brushwork

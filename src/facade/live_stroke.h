@@ -29,13 +29,16 @@ struct LiveStroke {
 
     bool open = false;
     bool onStencil = false;
+    bool resting = false;  // what is laid now comes without a point of the pen
     Ref<LayerStack> stack;
     Ref<Layer> layer;
     bool wet = false;  // paints into the layer's wet image
     bool symmetric = false;
     std::shared_ptr<npc::StampRenderer> stamps;     // kept from stroke to stroke, with its cache
     std::shared_ptr<npc::StrokeRenderer> renderer;  // of this stroke
-    Ref<ilSmartImage> low;                          // lower bytes of the target's channels
+    // Kept, too: a stroke may go on along the path of the one before.
+    std::shared_ptr<npc::StrokeInterpolator> path;
+    Ref<ilSmartImage> low;  // lower bytes of the target's channels
     GrayStroke gray;
     Ref<ilSmartImage> before;         // the target as it was, while there is no record
     Ref<PntUndoStroke> record;        // filed at the end

@@ -4,6 +4,7 @@
 
 #include "facade/color_jitter.h"
 #include "facade/stroke_coverage.h"
+#include "facade/stroke_points.h"
 #include "facade/stroke_source.h"
 #include "facade/stroke_target.h"
 #include "facade/undo_filing.h"
@@ -16,6 +17,11 @@ namespace {
 bool isPaintable(LayerStack& stack, Layer* layer) {
     if (!layer || layer->holdsShapes() || layer->asGroup() || layer->locked()) return false;
     return layer == stack.selectionLayer() || layer->isVisibleInTree();
+}
+
+bool canBegin(const FacadeState& state) {
+    LayerStack* const stack = state.current();
+    return stack && !state.stroke.open && isPaintable(*stack, stack->activeLayer());
 }
 
 std::optional<SymmetrySetup> setupOf(const FacadeState& state, Layer& layer) {
@@ -53,6 +59,8 @@ void makeRenderer(FacadeState& state, Layer& layer, ilSmartImage& target) {
         stroke.renderer = renderer;
     } else {
         stroke.renderer = std::make_shared<npc::StrokeRenderer>(stroke.stamps);
+        if (!stroke.path) stroke.path = std::make_shared<npc::StrokeInterpolator>();
+        stroke.renderer->setInterpolator(stroke.path);
     }
     stroke.renderer->setParameters(parameters, &brush);
 }
@@ -66,19 +74,33 @@ void listen(FacadeState& state) {
         stroke.bounds = unionOf(stroke.bounds, touched);
         stroke.stack->addPaintBounds(touched);
         stroke.stack->accumulateDirty(touched, *stroke.layer);
+        if (stroke.resting) showResting(state);
     });
+}
+
+// There is nothing to paint into.
+void giveUp(FacadeState& state) {
+    LiveStroke& stroke = state.stroke;
+    restoreColor(state.brush);
+    stroke.record.reset();
+    stroke.stack->setPaintOnStencil(false);
+    stroke.layer.reset();
+    stroke.stack.reset();
+    if (const auto hook = state.brush.strokeEndHook) hook();
+    state.scheduleIdle();
 }
 
 }  // namespace
 
 bool beginStroke(FacadeState& state) {
     LiveStroke& stroke = state.stroke;
+    if (!canBegin(state)) return false;
+    state.current()->closeTransform();
+    state.current()->endFill();
+    // It may set another hook, and another layer.
+    if (const auto hook = state.brush.strokeStartHook) hook();
+    if (!canBegin(state)) return false;
     LayerStack* const stack = state.current();
-    if (!stack || stroke.open || !isPaintable(*stack, stack->activeLayer())) return false;
-    stack->closeTransform();
-    stack->endFill();
-    if (state.brush.strokeStartHook) state.brush.strokeStartHook();
-    state.idle.cancel();
     Layer& layer = *stack->activeLayer();
     stroke.stack = Ref<LayerStack>(stack);
     stroke.layer = Ref<Layer>(&layer);
@@ -91,8 +113,7 @@ bool beginStroke(FacadeState& state) {
     static_cast<void>(stack->paintOps());
     ilSmartImage* const target = openTarget(state, *stack, layer);
     if (!target) {
-        restoreColor(state.brush);
-        stroke.record.reset();
+        giveUp(state);
         return false;
     }
     stroke.before.reset();
@@ -100,9 +121,12 @@ bool beginStroke(FacadeState& state) {
         stroke.before = stroke.gray.coverage ? stroke.gray.ground : target->clone();
     makeRenderer(state, layer, *target);
     openSource(state, *stack, layer, *stroke.stamps);
-    stroke.renderer->setKeepSource(stroke.stamps->source().high != nullptr);
+    stroke.renderer->setKeepSource(stroke.stamps->source().isGiven());
     if (state.brush.texture) state.brush.texture->drawOffset();
     listen(state);
+    stroke.resting = false;
+    // Only now: making the record scheduled it.
+    state.idle.cancel();
     stroke.open = true;
     stroke.renderer->beginStroke(false);
     return true;

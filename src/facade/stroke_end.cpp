@@ -4,6 +4,7 @@
 
 #include "facade/color_jitter.h"
 #include "facade/paint_marks.h"
+#include "facade/stroke_source.h"
 #include "facade/undo_filing.h"
 
 namespace brushwork {
@@ -30,18 +31,22 @@ void finish(FacadeState& state) {
     if (state.brush.displayUpdates) stroke.stack->present();
     drawMarks(stroke);
     stroke.marks.clear();
+    fileRecord(std::exchange(stroke.record, Ref<PntUndoStroke>()).get());
     stroke.stack->setPaintOnStencil(false);
     stroke.open = false;
     stroke.low.reset();
     stroke.before.reset();
     stroke.gray = GrayStroke();
+    const bool staysWet =
+        keepsItsPaint(*stroke.renderer->parameters(), stroke.stamps->parameters());
     stroke.renderer.reset();
+    if (stroke.path) stroke.path->begin(nullptr);
     // The renderer holds on to no pages of the layer.
     stroke.stamps->setTargets(nullptr, nullptr);
-    stroke.stamps->setSource(nullptr, nullptr, false, 0, 0);
+    if (!staysWet) stroke.stamps->setSource(nullptr, nullptr, false, 0, 0);
     stroke.layer.reset();
     stroke.stack.reset();
-    if (state.brush.strokeEndHook) state.brush.strokeEndHook();
+    if (const auto hook = state.brush.strokeEndHook) hook();
     state.scheduleIdle();
     state.scheduleIdleAfterStroke();
 }
@@ -51,24 +56,29 @@ void finish(FacadeState& state) {
 void endStroke(FacadeState& state) {
     LiveStroke& stroke = state.stroke;
     if (!stroke.open) return;
+    stroke.resting = false;
     stroke.renderer->endStroke();
     // A wet image over the canvas shows all of it; only what the stroke touched is committed.
     if (ilSmartImage* const wet = ilSmartImage::from(stroke.layer->wet().image.get()))
         wet->setBounds(stroke.bounds, true);
     if (stroke.wet && !stroke.bounds.isEmpty())
         stroke.layer->commitWet(stroke.onStencil ? stroke.layer->stencilImage() : nullptr);
-    fileRecord(std::exchange(stroke.record, Ref<PntUndoStroke>()).get());
     finish(state);
 }
 
 void cancelStroke(FacadeState& state) {
     LiveStroke& stroke = state.stroke;
     if (!stroke.open) return;
+    stroke.resting = false;
     stroke.renderer->endStroke();
     stroke.layer->clearWet();
     if (stroke.record) {
         bool deferred = false;
+        float x = 0.0f;
+        float y = 0.0f;
+        stroke.layer->offset(&x, &y);
         stroke.record->undo(&deferred);
+        stroke.layer->setOffset(x, y);
         stroke.record.reset();
     } else if (stroke.before && !stroke.bounds.isEmpty()) {
         ilSmartImage* const image =

@@ -18,24 +18,23 @@ std::int32_t showsAbove(bool symmetric, float pressure) {
     return 128 + static_cast<std::int32_t>(384.0f * std::clamp(pressure / 256.0f, 0.0f, 1.0f));
 }
 
-void update(FacadeState& state, float pressure) {
+void update(FacadeState& state, std::int32_t threshold) {
     LiveStroke& stroke = state.stroke;
     --stroke.pointBudget;
-    const std::int32_t threshold = showsAbove(stroke.symmetric, pressure);
-    if (stroke.dirty.nx > threshold || stroke.dirty.ny > threshold) {
-        if (state.brush.displayUpdates) stroke.stack->present();
-    } else if (stroke.pointBudget <= 0) {
-        hostFlushCanvas(stroke.stack->canvas());
-        if (state.brush.displayUpdates) stroke.stack->present();
-    } else {
-        return;
-    }
+    const bool isLarge = stroke.dirty.nx > threshold || stroke.dirty.ny > threshold;
+    if (!isLarge && stroke.pointBudget > 0) return;
+    if (state.brush.displayUpdates) stroke.stack->present();
+    if (!isLarge) hostFlushCanvas(stroke.stack->canvas());
     drawMarks(stroke);
     stroke.pointBudget = LiveStroke::pointsBetweenUpdates;
     stroke.dirty = emptyTile;
 }
 
 }  // namespace
+
+void showResting(FacadeState& state) {
+    update(state, showsAbove(true, 0.0f));
+}
 
 void addStrokePoint(FacadeState& state, const StrokeInputPoint& point) {
     LiveStroke& stroke = state.stroke;
@@ -44,9 +43,11 @@ void addStrokePoint(FacadeState& state, const StrokeInputPoint& point) {
     const ViewPoint place = stroke.stack->viewToLayer({point.x, point.y}, stroke.layer->id());
     if (!isPlace(place.x, place.y)) return;
     const StrokePointData data(place.x, place.y, pressure);
+    stroke.resting = false;
     stroke.renderer->addPoint(
         npc::replayedPoint(data, stroke.stamps->parameters(), npc::ReplayValues{}));
-    update(state, pressure);
+    stroke.resting = true;
+    update(state, showsAbove(stroke.symmetric, pressure));
     markPoint(state, place);
 }
 

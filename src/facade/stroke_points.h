@@ -7,5 +7,7 @@ namespace brushwork {
 
 // View pixels. Ignored outside a stroke.
 void addStrokePoint(FacadeState& state, const StrokeInputPoint& point);
+// A stamp was laid while the pen rests: every few of them are shown.
+void showResting(FacadeState& state);
 
 }  // namespace brushwork

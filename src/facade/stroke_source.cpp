@@ -2,9 +2,14 @@
 
 #include <cmath>
 
-#include "foundation/services/random_source.h"
+#include "strokes/stroke/brush_mode.h"
 
 namespace brushwork {
+
+bool keepsItsPaint(const StrokeParameters& stroke, const BrushParameters& brush) {
+    return npc::brushModeOf(stroke, brush).mode == BlendModeId::MarkerColorless &&
+           !stroke.clearPickupBuffers;
+}
 
 BrushParameters brushFor(const BrushState& state, bool gray) {
     BrushParameters brush = state.brush;
@@ -24,6 +29,7 @@ BrushParameters brushFor(const BrushState& state, bool gray) {
 void openSource(const FacadeState& state, LayerStack& stack, Layer& layer,
                 npc::StampRenderer& stamps) {
     const BrushState& brush = state.brush;
+    const bool keepsPaint = keepsItsPaint(brush.stroke, stamps.parameters());
     Ref<ilImage> image = stack.parts().cloneSource;
     std::int32_t x = 0;
     std::int32_t y = 0;
@@ -37,7 +43,10 @@ void openSource(const FacadeState& state, LayerStack& stack, Layer& layer,
             y = source->offsetYInt() - layer.offsetYInt();
         }
     }
-    if (!image) return stamps.setSource(nullptr, nullptr, false, 0, 0);
+    if (!image) {
+        if (!keepsPaint) stamps.setSource(nullptr, nullptr, false, 0, 0);
+        return;
+    }
     stamps.setSource(image.get(), nullptr, true,
                      x + static_cast<std::int32_t>(std::lround(brush.cloneOffsetX)),
                      y + static_cast<std::int32_t>(std::lround(brush.cloneOffsetY)));

@@ -180,6 +180,38 @@ TEST_F(StrokeFacade, HooksRunOnceAndJitterGivesTheColorBack) {
     EXPECT_EQ(ended, 2);
 }
 
+// A colour that is chosen while a stroke goes on is the next one's.
+TEST_F(StrokeFacade, BrushesMayBeSetWithinAStroke) {
+    for (const bool jitter : {false, true}) {
+        manager_.setColor({0.25f, 0.5f, 0.75f, 1.0f});
+        manager_.setColorJitter(jitter, 50.0f, 50.0f, 50.0f);
+        manager_.beginStroke();
+        drag(20, 20, 60, 60);
+        manager_.setColor({1.0f, 0.0f, 0.0f, 1.0f});
+        manager_.setColorJitter(!jitter, 10.0f, 10.0f, 10.0f);
+        manager_.endStroke();
+        EXPECT_EQ(manager_.color(), (std::array<float, 4>{1.0f, 0.0f, 0.0f, 1.0f}));
+    }
+}
+
+// The hook of the host may turn to another layer, and to another hook.
+TEST_F(StrokeFacade, AHookMayChooseTheLayer) {
+    std::int32_t upper = -1;
+    manager_.setStrokeHooks(
+        [&] {
+            upper = manager_.newLayer();
+            manager_.setStrokeHooks({}, {});
+        },
+        {});
+    ASSERT_TRUE(manager_.strokeLine(20, 20, 90, 70));
+    EXPECT_EQ(pixel(55, 45), 0u);
+    layer_ = upper;
+    EXPECT_NE(pixel(55, 45), 0u);
+    manager_.setStrokeHooks([&] { manager_.setVisible(upper, false); }, {});
+    EXPECT_FALSE(manager_.beginStroke());
+    EXPECT_FALSE(manager_.inStroke());
+}
+
 // Three by three red at each point, until the screen is drawn anew; never in the picture.
 TEST_F(StrokeFacade, PointsAreMarkedOnTheScreenAlone) {
     constexpr std::uint32_t red = 0xff0000ffu;
@@ -244,6 +276,133 @@ TEST_F(StrokeFacade, SmudgesCarryAndMarkersTintWhatIsThere) {
         EXPECT_LT(at(80).green + at(115).green, 8u);
     });
     stroke(3, [&] { EXPECT_GT(at(80).green, 200u) << "or begins with the brush's colour"; });
+}
+
+// Whatever the medium lays is taken from the clone's source.
+TEST_F(StrokeFacade, ACloneTakesItsSourceInEveryPlainMedium) {
+    ImageRef blue = ImageRef::make(4);
+    blue.fill(flatTile(0, 0, 200, 150), 0xffff0000);
+    manager_.fillWithImage(blue);
+    const std::int32_t source = layer_;
+    manager_.setColor({1.0f, 0.0f, 0.0f, 1.0f});
+    for (const float flowJitter : {0.0f, 1.0f}) {
+        StrokeParameters stroke;
+        stroke.flowJitter = flowJitter;
+        manager_.setBrush(brush(), stroke);
+        manager_.setCloneSource(source, 0.0f, 0.0f);
+        layer_ = manager_.newLayer();
+        manager_.strokeLine(40, 70, 150, 70);
+        EXPECT_EQ(pixel(90, 70) >> 16 & 0xff, pixel(90, 70) >> 24) << flowJitter;
+        EXPECT_GT(pixel(90, 70) >> 24, 128u) << flowJitter;
+        EXPECT_EQ(pixel(90, 70) & 0xffff, 0u) << flowJitter;
+    }
+}
+
+// From where the last stroke stopped to where this one begins.
+TEST_F(StrokeFacade, AStrokeMayGoOnFromTheOneBefore) {
+    StrokeParameters stroke;
+    stroke.interpolationKind = 0;
+    manager_.setBrush(brush(), stroke);
+    manager_.beginStroke();
+    drag(20, 40, 60, 40);
+    manager_.endStroke();
+    stroke.interpolationKind = 3;
+    manager_.setBrush(brush(), stroke);
+    manager_.beginStroke();
+    drag(120, 40, 150, 40);
+    manager_.endStroke();
+    EXPECT_NE(pixel(90, 40), 0u);
+}
+
+// What the felt took on in one stroke comes off in the next, unless it is wiped between them.
+TEST_F(StrokeFacade, FeltStaysWetIfAsked) {
+    ImageRef red = ImageRef::make(4);
+    red.fill(flatTile(0, 0, 90, 150), 0xff0000ff);
+    manager_.fillWithImage(red);
+    const auto carried = [&](bool clear) {
+        StrokeParameters stroke;
+        stroke.brushKind = 4;
+        stroke.clearPickupBuffers = clear;
+        manager_.setBrush(brush(), stroke);
+        for (const float x : {20.0f, 120.0f}) {
+            manager_.beginStroke();
+            drag(x, 75, x + 50, 75);
+            manager_.endStroke();
+        }
+        const std::uint32_t laid = pixel(125, 75);
+        for (int n = 0; n < 2; ++n) {
+            host_.records().back()->undo(nullptr);
+            host_.undo.drop(host_.records().back()->undoHandle());
+        }
+        return laid;
+    };
+    EXPECT_EQ(carried(true), 0u);
+    EXPECT_NE(carried(false), 0u);
+    manager_.clearUndo();
+    EXPECT_EQ(carried(true), 0u);
+}
+
+// A host with a window, which writes down what it is told.
+class Window {
+  public:
+    Window() {
+        current_ = this;
+        HostCallTable& table = hostCallTable();
+        table.createCanvas = [](std::intptr_t, std::intptr_t) -> HostCanvas { return current_; };
+        table.canvasSurface = [](HostCanvas) -> HostSurface { return current_; };
+        table.surfaceSize = [](HostSurface, std::int32_t* width, std::int32_t* height) {
+            *width = side;
+            *height = side;
+        };
+        table.surfacePixels = [](HostSurface) -> void* { return current_->pixels_.data(); };
+        table.presentSurface = [](HostSurface) { current_->told += "present "; };
+        table.flushCanvas = [](HostCanvas) { current_->told += "flush "; };
+        setUndoDatabase(&undo_);
+    }
+    Window(const Window&) = delete;
+    Window& operator=(const Window&) = delete;
+    ~Window() { setUndoDatabase(nullptr); }
+
+    std::string told;
+
+  private:
+    class Database final : public PntUndoDatabase {
+        bool add(PntUndoOper* record) override {
+            current_->told += "filed ";
+            return PntUndoDatabase::add(record);
+        }
+    };
+
+    static constexpr std::int32_t side = 200;
+    static inline Window* current_ = nullptr;
+    std::vector<std::uint32_t> pixels_ = std::vector<std::uint32_t>(side * side);
+    Database undo_;
+};
+
+// Every fifth point is shown, and so is the paint of a pen that rests.
+TEST(StrokeWindow, TheHostIsToldInOrder) {
+    SessionHost host;
+    Window window;
+    PaintManager manager;
+    manager.newCanvas(200, 200);
+    manager.newLayer();
+    StrokeParameters stroke;
+    stroke.airbrush = true;
+    stroke.interpolationKind = 0;
+    manager.setBrush(BrushParameters::defaults(), stroke);
+    manager.setStrokeHooks([&] { window.told += "begin "; }, [&] { window.told += "end "; });
+    window.told.clear();
+    manager.beginStroke();
+    for (int n = 0; n < 5; ++n) manager.addPoint({20.0f + 4.0f * static_cast<float>(n), 30, 1});
+    EXPECT_EQ(window.told, "begin present flush ");
+    window.told.clear();
+    EXPECT_EQ(host.timers.size(), 1u) << "idle work waits for the end";
+    host.ring();  // the pen rests
+    for (int n = 0; n < 5; ++n) host.ring();
+    EXPECT_EQ(window.told, "present flush ");
+    window.told.clear();
+    manager.endStroke();
+    EXPECT_EQ(window.told, "present filed end ");
 }
 
 // About a centre of the document, wherever the layer lies; a painter for each copy if asked.

@@ -89,9 +89,10 @@ void StrokeRenderer::beginStroke(bool flag) {
 void StrokeRenderer::chooseMode() {
     const BrushMode chosen = brushModeOf(params_, stampRenderer_->parameters());
     if (chosen.inWhite) stampRenderer_->setColor(opaqueWhite);
-    if (!keepSource_ || blendMode_ != chosen.mode)
-        stampRenderer_->setSource(nullptr, nullptr, false, 0, 0);
+    const bool otherMode = hadStroke_ && blendMode_ != chosen.mode;
+    if (!keepSource_ || otherMode) stampRenderer_->setSource(nullptr, nullptr, false, 0, 0);
     blendMode_ = chosen.mode;
+    hadStroke_ = true;
 }
 
 void StrokeRenderer::prepareInterpolator() {

@@ -114,6 +114,7 @@ class StrokeRenderer {
     std::shared_ptr<StrokeInterpolator> interpolator_;
     bool firstPoint_ = true;
     bool laidStamp_ = false;  // in this stroke
+    bool hadStroke_ = false;  // this one or an earlier one
     TileCallback tileCallback_;
     std::vector<ilTile> touched_;  // by the stamps of a point
     StampPoint lastPoint_;
