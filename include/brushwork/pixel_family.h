@@ -29,10 +29,12 @@ class BRUSHWORK_API PixelFamily {
     // By 90 degrees, with the canvas. The progress is told of each layer, on this thread.
     void rotateCanvas(bool other, znUtil::Progress* progress = nullptr);
     struct ConvolveParams {
-        float strength = 5.0f;               // of sharpening, in tenths
+        float strength = 5.0f;               // of sharpening, in tenths, -1000 to 1000
         float detail = 1.5f, radius = 3.0f;  // pixels, 0 to 1000: of sharpening, of blurring
         bool sharpen = false;
     };
+    // As setConvolve set them.
+    [[nodiscard]] ConvolveParams convolveParams(bool sharpen = false) const;
     void applyConvolve(const ConvolveParams& params, std::int32_t id = -2);
     // A halo of the colour around what is drawn: blur in pixels, tolerance 0 to 1.
     void shrinkWrap(const std::array<float, 4>& color, float blur, float tolerance);

@@ -44,7 +44,8 @@ void AttributeFamily::setPosition(std::int32_t id, float x, float y, bool record
     guardedEdit(
         state_, canvas,
         [&](std::int32_t index) {
-            if (record) recordLayer(state_, index, id, true);
+            // Of groups and layers of shapes the place alone isn't kept.
+            if (record && !recordLayer(state_, index, id, true)) recordStack(state_, index, true);
         },
         [&](LayerStack& stack) { stack.setPosition(id, x, y, true, unrestricted); });
 }

@@ -78,16 +78,17 @@ std::int32_t CanvasFamily::duplicateCanvas(std::int32_t canvas) {
 }
 
 bool CanvasFamily::scaleCanvas(std::int32_t canvas, float scale, std::int32_t filter) {
-    if (!(scale > 0.0f) || !std::isfinite(scale)) return false;
+    LayerStack* const before = state_.stackAt(canvas);
+    if (!before || !(scale > 0.0f) || !std::isfinite(scale)) return false;
+    const ilTile box = before->canvasBounds();
+    const auto scaled = [&](std::int32_t size) {
+        const double wanted = std::round(static_cast<double>(size) * scale);
+        return wanted < 1.0 || wanted > mostPixels ? 0 : static_cast<std::int32_t>(wanted);
+    };
+    if (!isSize(scaled(box.nx), scaled(box.ny))) return false;
     return guardedEdit(
         state_, canvas, [&](std::int32_t index) { recordStack(state_, index, true); },
         [&](LayerStack& stack) {
-            const ilTile box = stack.canvasBounds();
-            const auto scaled = [&](std::int32_t size) {
-                const double wanted = std::round(static_cast<double>(size) * scale);
-                return wanted < 1.0 || wanted > mostPixels ? 0 : static_cast<std::int32_t>(wanted);
-            };
-            if (!isSize(scaled(box.nx), scaled(box.ny))) return false;
             const Ref<LayerStack> from(new LayerStack(stack));
             if (!stack.canvas()) stack.parts().plane.makeOwn(scaled(box.nx), scaled(box.ny));
             const bool done = stack.scaleFrom(*from, scale, filterOf(filter));
@@ -179,11 +180,14 @@ bool CanvasFamily::setCanvasSize(std::int32_t canvas, std::int32_t width, std::i
 }
 
 bool CanvasFamily::resizeToFit(std::int32_t canvas) {
+    LayerStack* const before = state_.stackAt(canvas);
+    if (!before || before->canvas() || state_.stroke.open) return false;
+    before->closeTransform();
+    const ilTile all = contentOf(*before);
+    if (all.isEmpty() || !isSize(all.nx, all.ny)) return false;
     return guardedEdit(
         state_, canvas, [&](std::int32_t index) { recordStack(state_, index, true); },
         [&](LayerStack& stack) {
-            const ilTile all = contentOf(stack);
-            if (stack.canvas() || all.isEmpty() || !isSize(all.nx, all.ny)) return false;
             // The content's corner becomes the canvas': layers move by as much the other way.
             stack.absorbOrigin();
             stack.parts().plane.originX = -all.x;

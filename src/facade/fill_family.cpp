@@ -124,11 +124,12 @@ bool FillFamily::fillGradient(const Gradient& gradient, std::int32_t id) {
         return false;
     LayerStack* const before = state_.current();
     if (!before || !isPaintable(*before, id)) return false;
+    if (before->layerById(id)->role() != LayerRole::Paint) return false;
     return guardedEdit(
         state_, activeOne, [&](std::int32_t canvas) { recordLayer(state_, canvas, id, true); },
         [&](LayerStack& stack) {
             Layer* const layer = stack.layerById(id);
-            if (!layer || layer->role() != LayerRole::Paint) return false;
+            if (!layer) return false;
             const ActiveFor active(stack, *layer);
             return paintGradient(stack, *layer, gradient);
         });

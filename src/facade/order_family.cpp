@@ -51,6 +51,9 @@ bool OrderFamily::ungroup(std::span<const std::int32_t> ids, bool keepGroup) {
 }
 
 std::int32_t OrderFamily::duplicateLayer() {
+    LayerStack* const before = state_.current();
+    if (!before || !before->activeLayer() || before->activeLayer() == before->selectionLayer())
+        return noLayer;
     return guardedEdit(state_, activeOne, recordsStack(state_), [](LayerStack& stack) {
         const std::int32_t id = stack.duplicateLayer();
         stack.refreshDisplay(false);

@@ -1,5 +1,7 @@
 #include "brushwork/pixel_family.h"
 
+#include <cmath>
+
 #include "facade/canvas_rotation.h"
 #include "facade/guarded_edit.h"
 #include "facade/input_limits.h"
@@ -38,12 +40,23 @@ bool pixelOf(ilImage& image, std::int32_t x, std::int32_t y, std::uint32_t* pixe
     return image.readRegion(one, pixel, one) == ImageOk;
 }
 
+float radiusOf(const PixelFamily::ConvolveParams& params) {
+    return params.sharpen ? params.detail : params.radius;
+}
+
+bool isUsable(const PixelFamily::ConvolveParams& params) {
+    constexpr float mostRadius = 1000.0f;
+    constexpr float mostStrength = 1000.0f;
+    const float radius = radiusOf(params);
+    return radius >= 0.0f && radius <= mostRadius &&
+           (!params.sharpen || std::fabs(params.strength) <= mostStrength);
+}
+
 // The filtered layer, page-wise memory aside: its whole box at once.
 void convolve(LayerStack& stack, Layer& layer, const PixelFamily::ConvolveParams& params) {
     ilSmartImage* const image = layer.smartColor();
-    constexpr float mostRadius = 1000.0f;
-    const float radius = params.sharpen ? params.detail : params.radius;
-    if (!image || image->channels() != 4 || !(radius >= 0.0f && radius <= mostRadius)) return;
+    if (!image || image->channels() != 4) return;
+    const float radius = radiusOf(params);
     layer.tighten();
     ilTile box;
     image->bounds(box);
@@ -87,7 +100,7 @@ void PixelFamily::fillWithImage(const ImageRef& image) {
 }
 
 void PixelFamily::clearRegion(const ilTile& box, std::int32_t id) {
-    if (!isBox(box)) return;
+    if (!isBox(box) || box.isEmpty()) return;
     onPixels(state_, id, [&](LayerStack& stack) { stack.clearRegion(box, id); });
 }
 
@@ -116,7 +129,14 @@ void PixelFamily::rotateCanvas(bool other, znUtil::Progress* progress) {
         [&](LayerStack& stack) { rotateWholeCanvas(stack, other, progress); });
 }
 
+PixelFamily::ConvolveParams PixelFamily::convolveParams(bool sharpen) const {
+    const BrushState& brush = state_.brush;
+    return {brush.convolveStrength, brush.convolveDetail, brush.convolveRadius, sharpen};
+}
+
 void PixelFamily::applyConvolve(const ConvolveParams& params, std::int32_t id) {
+    const Layer* const meant = layerOf(state_, id);
+    if (!meant || meant->role() != LayerRole::Paint || !isUsable(params)) return;
     onPixels(state_, id, [&](LayerStack& stack) {
         if (Layer* const layer = stack.layerById(id)) convolve(stack, *layer, params);
     });

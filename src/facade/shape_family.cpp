@@ -167,7 +167,8 @@ bool ShapeFamily::deleteShapes(std::span<const std::int32_t> shapes) {
         note(ids, id);
         note(canvases, place.canvas);
     }
-    if (ids.empty()) return false;
+    if (ids.empty() || state_.stroke.open) return false;
+    for (const std::int32_t canvas : canvases) state_.stackAt(canvas)->closeTransform();
     return guardedEdit(
         state_, canvases.front(),
         [&](std::int32_t) {

@@ -1,5 +1,6 @@
 #include "brushwork/transform_family.h"
 
+#include "document/stack/stack_raster.h"
 #include "facade/guarded_edit.h"
 #include "facade/input_limits.h"
 #include "facade/undo_filing.h"
@@ -49,7 +50,9 @@ bool TransformFamily::endTransform(bool keep) {
 
 std::int32_t TransformFamily::newTemporaryLayer() {
     LayerStack* const before = state_.current();
-    const std::int32_t ids[] = {before ? before->activeId() : noLayer};
+    Layer* const active = before ? before->activeLayer() : nullptr;
+    if (!active || active == before->selectionLayer() || !stack::rasterOf(active)) return noLayer;
+    const std::int32_t ids[] = {active->id()};
     return guardedEdit(
         state_, activeOne, [&](std::int32_t canvas) { recordStackWithLayers(state_, canvas, ids); },
         [](LayerStack& stack) {

@@ -1,5 +1,7 @@
 #include "brushwork/undo_family.h"
 
+#include <algorithm>
+
 #include "brushwork/pnt_undo_database.h"
 #include "facade/undo_filing.h"
 #include "foundation/host/host_calls.h"
@@ -9,6 +11,8 @@ namespace brushwork {
 namespace {
 
 constexpr std::int32_t layerLogs = 0x2016;
+// All are dropped at once: further ones would only take time and memory until then.
+constexpr std::int32_t mostSnapshots = 1000;
 
 }  // namespace
 
@@ -19,7 +23,8 @@ void UndoFamily::clearUndo() {
 void UndoFamily::snapshotAndClear(std::int32_t count) {
     if (state_.stroke.open) return;
     if (state_.undo.isActive() && state_.current())
-        for (std::int32_t n = 0; n < count; ++n) recordStack(state_, activeOne, true);
+        for (std::int32_t n = 0; n < std::min(count, mostSnapshots); ++n)
+            recordStack(state_, activeOne, true);
     clearUndoRecords(state_);
 }
 

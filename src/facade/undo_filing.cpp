@@ -1,11 +1,25 @@
 #include "facade/undo_filing.h"
 
 #include <algorithm>
+#include <new>
 #include <stdexcept>
 
 #include "brushwork/pnt_undo_database.h"
 
 namespace brushwork {
+namespace {
+
+// Without memory for a record the edit goes on without it.
+template <class Record, class Make>
+Ref<Record> orNone(const Make& make) {
+    try {
+        return make();
+    } catch (const std::bad_alloc&) {
+        return {};
+    }
+}
+
+}  // namespace
 
 void fileRecord(PntUndoOper* record) {
     if (!record || !undoDatabase()) return;
@@ -21,8 +35,10 @@ Ref<PntUndoLayerStack> recordStack(FacadeState& state, std::int32_t canvas, bool
     canvas = state.canvases.resolve(canvas);
     LayerStack* const stack = state.stackAt(canvas);
     if (!stack || !state.undo.isActive() || !undoDatabase()) return {};
-    const Ref<PntUndoLayerStack> record(new PntUndoLayerStack(
-        state, canvas, stack->activeId(), stack, stack->activeLayer(), "SidLayerStack"));
+    const Ref<PntUndoLayerStack> record = orNone<PntUndoLayerStack>([&] {
+        return makeRef<PntUndoLayerStack>(state, canvas, stack->activeId(), stack,
+                                          stack->activeLayer(), "SidLayerStack");
+    });
     if (file) fileRecord(record.get());
     return record;
 }
@@ -34,9 +50,10 @@ Ref<PntUndoStroke> recordLayer(FacadeState& state, std::int32_t canvas, std::int
     Layer* const layer = stack ? stack->layerById(layerId) : nullptr;
     if (!layer || layer->asGroup() || layer->holdsShapes()) return {};
     if (!state.undo.isActive() || !undoDatabase()) return {};
-    const Ref<PntUndoStroke> record(new PntUndoStroke(state, canvas, layer->id(), stack, layer,
-                                                      layer->colorImageRef(), layer->stencilImage(),
-                                                      "SidStroke"));
+    const Ref<PntUndoStroke> record = orNone<PntUndoStroke>([&] {
+        return makeRef<PntUndoStroke>(state, canvas, layer->id(), stack, layer,
+                                      layer->colorImageRef(), layer->stencilImage(), "SidStroke");
+    });
     if (file) fileRecord(record.get());
     return record;
 }
@@ -80,7 +97,9 @@ void clearUndoRecords(FacadeState& state) {
         for (const Ref<LayerStack>& stack : state.canvases.slots)
             if (stack) stack->collapseImages();
     }
-    if (state.stroke.renderer) state.stroke.renderer->resetParameters();
+    if (!state.stroke.stamps) return;
+    state.stroke.stamps->cache()->clear();
+    state.stroke.stamps->setSource(nullptr, nullptr, false, 0, 0);
 }
 
 }  // namespace brushwork

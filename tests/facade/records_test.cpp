@@ -1,6 +1,9 @@
 // Which records the families file, and what switches, notes and prints them.
 #include <gtest/gtest.h>
 
+#include <limits>
+#include <vector>
+
 #include "document/layer/layer.h"
 #include "facade/document_state.h"
 #include "facade/facade_state.h"
@@ -170,6 +173,9 @@ TEST_F(FiledRecords, ClosingAndSwitchingCanvases) {
     EXPECT_EQ(manager_.canvasBounds(0).nx, 50) << "the slot's stack stands in the canvas";
     record->redo(nullptr);
     EXPECT_EQ(manager_.canvasBounds(0).nx, 120);
+    EXPECT_EQ(manager_.canvasBounds(other).nx, 50) << "the slot still shows its own";
+    std::vector<std::uint32_t> pixels(50 * 40);
+    EXPECT_TRUE(manager_.readCanvas(other, pixels.data()));
     manager_.closeCanvas(other);
     EXPECT_FALSE(manager_.noteStackSwitch(other));
     manager_.lockUndo(true);
@@ -178,6 +184,67 @@ TEST_F(FiledRecords, ClosingAndSwitchingCanvases) {
     manager_.newCanvas(30, 30);
     EXPECT_EQ(filed([&] { manager_.closeCanvas(0); }), "");
     EXPECT_EQ(filed([&] { manager_.closeCanvas(-2); }), "SidLayerStack");
+}
+
+// For a host to which documents stay valid.
+TEST_F(FiledRecords, AClosedCanvasComesBackAsItWas) {
+    hostCallTable().documentValid = nullptr;
+    manager_.strokeLine(20, 70, 90, 20);
+    const DocumentState before = stateOf(manager_);
+    manager_.closeCanvas(0);
+    EXPECT_EQ(manager_.canvasCount(), 0);
+    host_.records().back()->undo(nullptr);
+    EXPECT_EQ(manager_.canvasCount(), 1);
+    ASSERT_TRUE(manager_.setCurrentCanvas(0));
+    EXPECT_EQ(differences(before, stateOf(manager_)), "");
+    std::uint32_t shown = 0;
+    ASSERT_TRUE(manager_.canvasPixel(55, 45, &shown));
+    EXPECT_NE(shown, 0xffffffffu);
+    manager_.strokeLine(20, 20, 90, 20);
+    ASSERT_TRUE(manager_.closeCanvas(0));
+    EXPECT_EQ(manager_.canvasCount(), 0);
+}
+
+TEST_F(FiledRecords, WhatCannotBeDoneLeavesNone) {
+    constexpr float none = std::numeric_limits<float>::quiet_NaN();
+    const std::int32_t mask = manager_.newMaskLayer();
+    const std::int32_t group = manager_.newGroup(u"G");
+    EXPECT_EQ(filed([&] {
+                  EXPECT_FALSE(manager_.scaleCanvas(0, 1e-6f, 1));
+                  EXPECT_FALSE(manager_.scaleCanvas(0, 1e6f, 1));
+                  manager_.applyConvolve({5.0f, 1.5f, none, false}, layer_);
+                  manager_.applyConvolve({none, 1.5f, 3.0f, true}, layer_);
+                  manager_.applyConvolve({}, mask);
+                  manager_.clearRegion(flatTile(3, 3, 0, 9), layer_);
+                  EXPECT_FALSE(manager_.fillGradient({}, mask));
+                  EXPECT_EQ(manager_.newTemporaryLayer(), -1);
+                  manager_.makeSelectionActive();
+                  EXPECT_EQ(manager_.duplicateLayer(), -1);
+                  manager_.setActiveLayer(group);
+              }),
+              "");
+    manager_.newCanvas(30, 30);
+    manager_.newLayer();
+    EXPECT_EQ(filed([&] { EXPECT_FALSE(manager_.resizeToFit(-2)); }), "");
+}
+
+// Groups and layers of shapes have no pixels of their own to keep.
+TEST_F(FiledRecords, MovesAreRecordedOfWhateverMoved) {
+    const std::int32_t shape = addShape();
+    ASSERT_NE(shape, -1);
+    const std::int32_t shapes = manager_.activeLayerId();
+    const std::int32_t ids[] = {layer_};
+    const std::int32_t group = manager_.makeGroupFrom(ids);
+    for (const std::int32_t id : {layer_, shapes, group})
+        expectExact([&] { manager_.setPosition(id, 7.0f, -4.0f, true); });
+}
+
+TEST_F(FiledRecords, ClearingThemDropsTheStampsThatWereKept) {
+    const auto& cache = manager_.state().stroke.stamps->cache();
+    manager_.strokeLine(20, 20, 90, 20);
+    EXPECT_GT(cache->itemCount(), 0u);
+    manager_.clearUndo();
+    EXPECT_EQ(cache->itemCount(), 0u);
 }
 
 TEST_F(FiledRecords, SnapshotsAreArchivedAtOnce) {
