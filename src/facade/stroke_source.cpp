@@ -43,6 +43,9 @@ void openSource(const FacadeState& state, LayerStack& stack, Layer& layer,
             y = source->offsetYInt() - layer.offsetYInt();
         }
     }
+    // An eraser takes away whatever another layer holds.
+    if (npc::strokeKind(brush.stroke) == static_cast<std::int32_t>(npc::BrushKind::Eraser))
+        image.reset();
     if (!image) {
         if (!keepsPaint) stamps.setSource(nullptr, nullptr, false, 0, 0);
         return;

@@ -296,6 +296,14 @@ TEST_F(StrokeFacade, ACloneTakesItsSourceInEveryPlainMedium) {
         EXPECT_GT(pixel(90, 70) >> 24, 128u) << flowJitter;
         EXPECT_EQ(pixel(90, 70) & 0xffff, 0u) << flowJitter;
     }
+    StrokeParameters eraser;
+    eraser.brushKind = 8;
+    manager_.setBrush(brush(), eraser);
+    const std::int32_t nothing = manager_.newLayer();
+    manager_.setCloneSource(nothing, 0.0f, 0.0f);
+    manager_.setActiveLayer(layer_);
+    manager_.strokeLine(40, 70, 150, 70);
+    EXPECT_LE(pixel(90, 70) >> 24, 1u) << "it takes away, whatever the source";
 }
 
 // From where the last stroke stopped to where this one begins.
