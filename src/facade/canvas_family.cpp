@@ -53,8 +53,8 @@ std::int32_t CanvasFamily::newCanvas(std::int32_t width, std::int32_t height, st
     state_.modal.enter();
     const Ref<LayerStack> stack(new LayerStack(value1, value2, width, height));
     stack->parts().selection.mode = state_.selectionMode;
-    const std::int32_t index = open(state_, stack);
-    state_.makeCurrent(index);
+    const std::int32_t index = stack->imagePlane() ? open(state_, stack) : noLayer;
+    if (index != noLayer) state_.makeCurrent(index);
     state_.modal.leave();
     state_.scheduleIdle();
     return index;
@@ -70,7 +70,7 @@ std::int32_t CanvasFamily::duplicateCanvas(std::int32_t canvas) {
     parts.plane.image.reset();
     parts.plane.ops.reset();
     const ilTile box = stack->canvasBounds();
-    parts.plane.makeOwn(box.nx, box.ny);
+    if (!parts.plane.makeOwn(box.nx, box.ny)) return noLayer;
     parts.isCurrent = false;
     stack::staleBoth(parts);
     copy->invalidateRect(box);
@@ -90,7 +90,8 @@ bool CanvasFamily::scaleCanvas(std::int32_t canvas, float scale, std::int32_t fi
         state_, canvas, [&](std::int32_t index) { recordStack(state_, index, true); },
         [&](LayerStack& stack) {
             const Ref<LayerStack> from(new LayerStack(stack));
-            if (!stack.canvas()) stack.parts().plane.makeOwn(scaled(box.nx), scaled(box.ny));
+            if (!stack.canvas() && !stack.parts().plane.makeOwn(scaled(box.nx), scaled(box.ny)))
+                return false;
             const bool done = stack.scaleFrom(*from, scale, filterOf(filter));
             stack.refreshDisplay(true);
             return done;
@@ -174,8 +175,9 @@ bool CanvasFamily::setCanvasSize(std::int32_t canvas, std::int32_t width, std::i
     return guardedEdit(state_, canvas, [&](LayerStack& stack) {
         if (stack.canvas()) return false;
         stack.resizePlane(width, height);
+        const ilTile now = stack.canvasBounds();
         stack.present();
-        return true;
+        return now.nx == width && now.ny == height;
     });
 }
 

@@ -36,12 +36,15 @@ bool ImagePlane::wrapSurface() {
     return true;
 }
 
-void ImagePlane::makeOwn(std::int32_t width, std::int32_t height) {
-    if (!isSize(width, height)) return;
-    image = Ref<ilSPMemoryImg>(new ilSPMemoryImg(width, height, 4));
+bool ImagePlane::makeOwn(std::int32_t width, std::int32_t height) {
+    if (!isSize(width, height)) return false;
+    const Ref<ilSPMemoryImg> made(new ilSPMemoryImg(width, height, 4));
+    if (!made->data()) return false;
+    image = made;
     image->fillRegion(flatTile(0, 0, width, height), ilPixel(TypeUChar, 4));
     ops = Ref<PaintOps>(new SoftPaintOps(image.get()));
     refreshBounds();
+    return true;
 }
 
 void ImagePlane::refreshBounds() {

@@ -23,7 +23,8 @@ struct ImagePlane {
 
     // Wraps the surface of the canvas. False: there is none; then sizes serve if they are positive.
     bool wrapSurface();
-    void makeOwn(std::int32_t width, std::int32_t height);
+    // False, and the present pixels stay: that is no size, or there is no memory for it.
+    bool makeOwn(std::int32_t width, std::int32_t height);
     // Also of stacks without a plane: those that undo keeps.
     void refreshBounds();
     [[nodiscard]] HostSurface surface() const;
