@@ -22,6 +22,7 @@ class BRUSHWORK_API BrushFamily {
   public:
     void setColor(const std::array<float, 4>& color);  // red, green, blue, alpha, 0 to 1
     [[nodiscard]] std::array<float, 4> color() const;
+    // At first BrushParameters::defaults and StrokeParameters as they are made.
     void setBrush(const BrushParameters& brush, const StrokeParameters& stroke);
     [[nodiscard]] const BrushParameters& brush() const;
     [[nodiscard]] const StrokeParameters& strokeParameters() const;
@@ -29,7 +30,7 @@ class BRUSHWORK_API BrushFamily {
     // Of one channel the tip, where the brush's own is off or beside it; of four what it paints in
     // place of the colour. No image: the plain tip and the colour.
     void setStamp(const ImageRef& image);
-    // Defaults of blur and sharpen tools: strength, detail in pixels, radius in pixels.
+    // What convolveParams answers: strength, detail in pixels, radius in pixels.
     void setConvolve(float strength, float detail, float radius);
     // The brush paints from a layer, (x, y) document pixels away; -1: it doesn't.
     void setCloneSource(std::int32_t layerId, float x, float y);
