@@ -27,6 +27,7 @@ constexpr int side = 2048;
 constexpr int pageSide = 128;
 constexpr std::size_t pageBytes = 65536;
 constexpr std::size_t pageCount = std::size_t{side} * side * 4 / pageBytes;
+constexpr std::size_t warmPages = 4;
 
 class Canvas {
   public:
@@ -127,15 +128,18 @@ struct Packed {
 void pack(const std::vector<std::uint8_t>& pages, VectorLevel level, Packed& p) {
     const RunLengthKernels& kernels = runLengthKernels(level);
     for (std::size_t i = 0; i < pageCount; ++i) {
-        kernels.splitPlanes(pages.data() + i * pageBytes, pageBytes / 4, p.planes.data());
-        p.sizes[i] = kernels.encode(p.planes.data(), pageBytes, p.bytes.data() + i * pageBytes);
+        p.sizes[i] = kernels.encodePlanes(pages.data() + i * pageBytes, pageBytes, p.planes.data(),
+                                          p.bytes.data() + i * pageBytes);
     }
 }
 
-void unpack(const std::vector<std::uint8_t>& pages, VectorLevel level, Packed& p) {
+// Into so many pages by turns. With all of them each target is one that the caches have forgotten;
+// with few it is warm, as the page is that the allocator has just taken from another.
+void unpack(const std::vector<std::uint8_t>& pages, VectorLevel level, Packed& p,
+            std::size_t targets) {
     const RunLengthKernels& kernels = runLengthKernels(level);
     for (std::size_t i = 0; i < pageCount; ++i) {
-        std::uint8_t* target = p.target.data() + i * pageBytes;
+        std::uint8_t* target = p.target.data() + i % targets * pageBytes;
         if (p.sizes[i] == pageBytes) {
             std::memcpy(target, pages.data() + i * pageBytes, pageBytes);
             continue;
@@ -172,10 +176,12 @@ void coder(const char* name, const std::vector<std::uint8_t>& pages) {
         if (vectorLevel() != level) continue;
         const std::string form = vectorLevelName(level);
         rounds.add("pack " + form, [&pages, &p, level] { pack(pages, level, p); });
-        rounds.add("unpack " + form, [&pages, &p, level] { unpack(pages, level, p); });
+        for (const std::size_t targets : {pageCount, warmPages})
+            rounds.add("unpack " + form + (targets == warmPages ? ", warm" : ""),
+                       [&pages, &p, level, targets] { unpack(pages, level, p, targets); });
     }
     pack(pages, vectorLevel(), p);
-    unpack(pages, vectorLevel(), p);
+    unpack(pages, vectorLevel(), p, pageCount);
     if (p.target != pages) std::puts("  WRONG: pages differ after unpacking");
     double stored = 0;
     std::size_t raw = 0;

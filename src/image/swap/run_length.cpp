@@ -101,8 +101,15 @@ void joinPlanes(const std::uint8_t* planes, std::size_t count, std::uint8_t* pix
             pixels[4 * i + plane] = planes[plane * count + i];
 }
 
+std::size_t encodePlanes(const std::uint8_t* pixels, std::size_t n, std::uint8_t* planes,
+                         std::uint8_t* packets) {
+    splitPlanes(pixels, n / 4, planes);
+    return encode(planes, n, packets);
+}
+
 RunLengthKernels filledUp(RunLengthKernels kernels, const RunLengthKernels& narrower) {
     if (!kernels.encode) kernels.encode = narrower.encode;
+    if (!kernels.encodePlanes) kernels.encodePlanes = narrower.encodePlanes;
     if (!kernels.decode) kernels.decode = narrower.decode;
     if (!kernels.splitPlanes) kernels.splitPlanes = narrower.splitPlanes;
     if (!kernels.joinPlanes) kernels.joinPlanes = narrower.joinPlanes;
@@ -111,7 +118,8 @@ RunLengthKernels filledUp(RunLengthKernels kernels, const RunLengthKernels& narr
 
 }  // namespace
 
-const RunLengthKernels runLengthKernelsScalar = {encode, decode, splitPlanes, joinPlanes};
+const RunLengthKernels runLengthKernelsScalar = {encode, encodePlanes, decode, splitPlanes,
+                                                 joinPlanes};
 
 const RunLengthKernels& runLengthKernels(VectorLevel level) {
     static const RunLengthKernels sse2 = filledUp(runLengthKernelsSse2, runLengthKernelsScalar);

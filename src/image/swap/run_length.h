@@ -25,6 +25,10 @@ inline constexpr std::size_t longestRepeat = 128;
 // 128 bytes of n.
 using PacketEncoder = std::size_t (*)(const std::uint8_t* bytes, std::size_t n,
                                       std::uint8_t* packets);
+// As splitPlanes() of a page of `n` bytes, a multiple of 4, into `planes`, which has room for n,
+// and encode() of them.
+using PageEncoder = std::size_t (*)(const std::uint8_t* pixels, std::size_t n, std::uint8_t* planes,
+                                    std::uint8_t* packets);
 // Writes at most `n` bytes and answers how many the packets gave. Any packets will do: a repeat of
 // 0 gives nothing, a packet that is cut off gives nothing and ends the decoding, and of one that
 // reaches beyond n the rest is dropped. What stands in `bytes` behind the answer is undefined.
@@ -35,6 +39,7 @@ using PlaneStep = void (*)(const std::uint8_t* from, std::size_t count, std::uin
 
 struct RunLengthKernels {
     PacketEncoder encode;
+    PageEncoder encodePlanes;
     PacketDecoder decode;
     PlaneStep splitPlanes;
     PlaneStep joinPlanes;

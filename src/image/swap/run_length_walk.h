@@ -1,20 +1,24 @@
 // What the vector forms of the run-length coder share; each includes it with vectors of its own.
 //
 // The encoder marks, 64 places at a time, each byte that equals the two before it, and notes where
-// marks begin and end: a repeat starts two places before its first mark. What stands between two
-// repeats is written together with the second one, in one step that takes no branch on lengths but
-// for the rare long ones: a branch on the length of paint is guessed wrong as often as not. The
-// decoder takes a literal and the repeat behind it in one step for the same reason.
+// marks begin and end: a repeat starts two places before its first mark. Words without such a place
+// are left out, and the others are listed by a table, a byte at a time, without asking how many a
+// word has. What stands between two repeats is written together with the second one, in one step
+// that takes no branch on lengths but for the rare long ones. The decoder takes a literal and the
+// repeat behind it in one step. All this because a branch on the lengths in paint is guessed wrong
+// as often as not.
 //
 // `Vectors` is a type of the including file alone, so that no two files share code that was
 // compiled for different processors. It offers
 //   equalBefore(p)       bit k set where p[k] == p[k - 1], for k from 0 to 63
+//   putPlaces(bits, start, to)   writes the places of the bits that are set in a word of edges, in
+//                        order, with `start` added, and up to 8 more behind them; answers their end
 //   copyUpTo128(from, to, count), fillUpTo128(value, to, count)   write `count` bytes and perhaps
 //                        more, up to 128; 128 can be read
 #pragma once
 
 #include <algorithm>
-#include <bit>
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -25,10 +29,31 @@ namespace brushwork {
 
 inline constexpr std::size_t mostMarked = 65536;  // bytes of the largest page
 
+// The places of the bits that are set in a byte, in order, and as the last entry their number:
+// marks begin and end at most six times in eight places.
+using BitsOfByte = std::array<std::array<std::uint16_t, 8>, 256>;
+alignas(16) inline constexpr BitsOfByte bitsOfByte = [] {
+    BitsOfByte bits{};
+    for (unsigned byte = 0; byte < 256; ++byte) {
+        std::size_t count = 0;
+        for (unsigned bit = 0; bit < 8; ++bit)
+            if (byte >> bit & 1) bits[byte][count++] = static_cast<std::uint16_t>(bit);
+        bits[byte][7] = static_cast<std::uint16_t>(count);
+    }
+    return bits;
+}();
+
 // Where marks begin and end in a stream, by turns. An end of 0 is that of the largest stream.
 template <class Vectors>
 class RepeatEdges {
   public:
+    // `n` is a multiple of 64. Bit k of equal[i] is set where byte 32 * i + k equals the one
+    // before.
+    RepeatEdges(const std::uint32_t* equal, std::size_t n) {
+        for (std::size_t i = 0; i < n / 32; i += 2)
+            add(std::uint64_t{equal[i + 1]} << 32 | equal[i], 32 * i);
+        list(n);
+    }
     // At most `mostMarked` bytes, at least 64.
     RepeatEdges(const std::uint8_t* bytes, std::size_t n) {
         const std::size_t whole = n / 64;
@@ -44,31 +69,39 @@ class RepeatEdges {
             std::memcpy(last + 1, p, rest);
             add(Vectors::equalBefore(last + 1) & ((std::uint64_t{1} << rest) - 1), n - rest);
         }
-        if (count_ % 2 != 0) places_[count_++] = static_cast<std::uint16_t>(n);
+        list(n);
     }
 
     [[nodiscard]] const std::uint16_t* begin() const { return places_; }
     [[nodiscard]] const std::uint16_t* end() const { return places_ + count_; }
 
   private:
+    // Keeps the words with an edge in them, without a branch.
     void add(std::uint64_t equal, std::size_t at) {
         const std::uint64_t marks = equal & (equal << 1 | equalBefore_);
-        std::uint64_t edges = marks ^ (marks << 1 | markedBefore_);
+        const std::uint64_t edges = marks ^ (marks << 1 | markedBefore_);
         equalBefore_ = equal >> 63;
         markedBefore_ = marks >> 63;
-        const auto found = static_cast<std::size_t>(std::popcount(edges));
-        // Eight at a time, whether there are so many or not.
-        for (std::uint16_t* to = places_ + count_; edges != 0; to += 8)
-            for (std::size_t k = 0; k < 8; ++k) {
-                to[k] =
-                    static_cast<std::uint16_t>(at + static_cast<unsigned>(std::countr_zero(edges)));
-                edges &= edges - 1;
-            }
-        count_ += found;
+        addWord(static_cast<std::uint32_t>(edges), at);
+        addWord(static_cast<std::uint32_t>(edges >> 32), at + 32);
+    }
+    void addWord(std::uint32_t edges, std::size_t at) {
+        words_[wordCount_] = edges;
+        starts_[wordCount_] = static_cast<std::uint16_t>(at);
+        wordCount_ += static_cast<std::size_t>(edges != 0);
+    }
+    void list(std::size_t n) {
+        std::uint16_t* to = places_;
+        for (std::size_t word = 0; word < wordCount_; ++word)
+            to = Vectors::putPlaces(words_[word], starts_[word], to);
+        count_ = static_cast<std::size_t>(to - places_);
+        if (count_ % 2 != 0) places_[count_++] = static_cast<std::uint16_t>(n);
     }
 
     std::uint64_t equalBefore_ = 0, markedBefore_ = 0;
-    std::size_t count_ = 0;
+    std::size_t count_ = 0, wordCount_ = 0;
+    std::uint32_t words_[mostMarked / 32 + 1];
+    std::uint16_t starts_[mostMarked / 32 + 1];
     // Marks of two repeats lie three places apart or more.
     std::uint16_t places_[mostMarked / 3 * 2 + 16];
 };
@@ -164,35 +197,44 @@ class PacketRun {
 };
 
 template <class Vectors>
-std::size_t encodePackets(const std::uint8_t* bytes, std::size_t n, std::uint8_t* packets) {
-    if (n <= 128) return n;
-    if (n > mostMarked) return runLengthKernelsScalar.encode(bytes, n, packets);
-    const RepeatEdges<Vectors> edges(bytes, n);
+std::size_t packetsBetween(const RepeatEdges<Vectors>& edges, const std::uint8_t* bytes,
+                           std::size_t n, std::uint8_t* packets) {
     PacketRun<Vectors> run(bytes, n, packets);
     return run.repeats(edges.begin(), edges.end()) && run.rest() ? run.output() : n;
 }
 
 template <class Vectors>
+std::size_t encodePackets(const std::uint8_t* bytes, std::size_t n, std::uint8_t* packets) {
+    if (n <= 128) return n;
+    if (n > mostMarked) return runLengthKernelsScalar.encode(bytes, n, packets);
+    return packetsBetween(RepeatEdges<Vectors>(bytes, n), bytes, n, packets);
+}
+
+template <class Vectors>
 std::size_t decodePackets(const std::uint8_t* packets, std::size_t stored, std::uint8_t* bytes,
                           std::size_t n) {
-    std::size_t done = 0;
-    std::size_t at = 0;
+    const std::uint8_t* packet = packets;
+    const std::uint8_t* const stop = packets + stored;
+    std::uint8_t* to = bytes;
+    std::uint8_t* const end = bytes + n;
     // While whole copies of a literal and of a repeat stay inside both buffers.
-    while (stored - at >= 131 && n - done >= 256) {
-        const std::size_t first = packets[at];
-        const std::size_t literal = first > 128 ? first - 128 : 0;
-        Vectors::copyUpTo128(packets + at + 1, bytes + done, literal);
-        at += literal + static_cast<std::size_t>(literal != 0);
-        done += literal;
-        const std::size_t second = packets[at];
+    while (stop - packet >= 131 && end - to >= 256) {
+        const auto first = static_cast<std::ptrdiff_t>(*packet);
+        // The place of the next header waits for this sum: a shift takes the least time.
+        const std::ptrdiff_t isLiteral = (128 - first) >> (sizeof(first) * 8 - 1);
+        const std::ptrdiff_t literal = (first - 128) & isLiteral;
+        Vectors::copyUpTo128(packet + 1, to, static_cast<std::size_t>(literal));
+        packet += (first - 127) & isLiteral;
+        to += literal;
+        const std::size_t second = *packet;
         if (second > 128) continue;
-        Vectors::fillUpTo128(packets[at + 1], bytes + done, second);
-        at += 2;
-        done += second;
+        Vectors::fillUpTo128(packet[1], to, second);
+        packet += 2;
+        to += second;
     }
-    const std::size_t rest =
-        runLengthKernelsScalar.decode(packets + at, stored - at, bytes + done, n - done);
-    return done + rest;
+    const auto left = static_cast<std::size_t>(stop - packet);
+    const auto done = static_cast<std::size_t>(to - bytes);
+    return done + runLengthKernelsScalar.decode(packet, left, to, n - done);
 }
 
 }  // namespace brushwork

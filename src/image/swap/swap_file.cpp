@@ -84,9 +84,9 @@ SwapFile::Stored SwapFile::stored(const std::uint8_t* pixels) {
     const std::uint32_t size = form_.objectSize;
     if (!form_.encoded) return {pixels, size};
     const RunLengthKernels& kernels = runLengthKernels();
-    if (form_.planar) kernels.splitPlanes(pixels, size / 4, planes_.get());
-    const std::uint8_t* stream = form_.planar ? planes_.get() : pixels;
-    const std::size_t packed = kernels.encode(stream, size, packets_.get());
+    const std::size_t packed =
+        form_.planar ? kernels.encodePlanes(pixels, size, planes_.get(), packets_.get())
+                     : kernels.encode(pixels, size, packets_.get());
     if (packed >= size) return {pixels, size};
     return {packets_.get(), static_cast<std::uint32_t>(packed)};
 }

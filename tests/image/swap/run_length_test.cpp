@@ -225,6 +225,36 @@ TEST(RunLength, DamagedPacketsStayInside) {
     }
 }
 
+// Planes that run into each other and sizes with and without whole vectors.
+TEST(RunLength, PagesPackAsTheirPlanesDo) {
+    test::Random random(31);
+    for (int round = 0; round < 400; ++round) {
+        const std::size_t n = round % 20 == 0  ? 65536
+                              : round % 20 < 4 ? 65536 + 256
+                              : round % 2 == 0 ? 256 * (1 + random() % 40)
+                                               : 4 * (random() % 2000);
+        const Bytes stream = runs(random, n, static_cast<unsigned>(random() % 6));
+        test::GuardedBytes pixels(n, random() % 32);
+        runLengthKernelsScalar.joinPlanes(stream.data(), n / 4, pixels.data());
+        Bytes expected(n);
+        const std::size_t size = runLengthKernelsScalar.encode(stream.data(), n, expected.data());
+        expected.resize(size < n ? size : 0);
+        for (const VectorLevel level : allLevels()) {
+            test::GuardedBytes planes(n, random() % 32), packets(n, random() % 32);
+            ASSERT_EQ(runLengthKernels(level).encodePlanes(pixels.data(), n, planes.data(),
+                                                           packets.data()),
+                      size)
+                << vectorLevelName(level) << " round " << round << " n " << n;
+            // No page is larger.
+            EXPECT_EQ(lastKernelForm(), n > 65536 ? VectorLevel::Scalar : level);
+            ASSERT_TRUE(planes.bytes() == stream && planes.guardsIntact());
+            ASSERT_TRUE(packets.guardsIntact() &&
+                        std::equal(expected.begin(), expected.end(), packets.data()))
+                << vectorLevelName(level) << " round " << round << " n " << n;
+        }
+    }
+}
+
 TEST(RunLength, PlanesOfEveryForm) {
     test::Random random(8);
     for (const VectorLevel level : allLevels())
