@@ -13,6 +13,9 @@ class PositionedFile {
         Read,       // must exist as a regular file; never waits on a pipe or a device
         ReadWrite,  // must exist as a regular file
         CreateNew,  // must not exist; only its owner may read it
+        // The same for a file that no other process needs. While it is open removeIfAbandoned()
+        // knows it as in use; where the system can do that it goes with its process.
+        CreateOwned,
     };
 
     PositionedFile() = default;
@@ -39,5 +42,10 @@ class PositionedFile {
     static constexpr std::intptr_t closed = -1;
     std::intptr_t handle_ = closed;
 };
+
+// Removes a file that was made by CreateOwned if the process that had it open is certainly gone: a
+// file of this user alone, on a disk of this machine, that nobody holds. False leaves it as it is.
+// The caller knows by the name that it was made so.
+bool removeIfAbandoned(std::u16string_view path);
 
 }  // namespace brushwork::platform

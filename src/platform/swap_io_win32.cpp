@@ -81,11 +81,15 @@ HANDLE openHandle(const std::wstring& name, PositionedFile::Mode mode) {
     constexpr DWORD share = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
     // A pipe's server that stands behind a name must not act as this user.
     constexpr DWORD flags = FILE_ATTRIBUTE_NORMAL | SECURITY_SQOS_PRESENT | SECURITY_ANONYMOUS;
-    if (mode == PositionedFile::Mode::CreateNew) {
+    const bool owned = mode == PositionedFile::Mode::CreateOwned;
+    if (owned || mode == PositionedFile::Mode::CreateNew) {
         OwnerOnly owner;
         if (!owner.attributes()) return INVALID_HANDLE_VALUE;
-        return ::CreateFileW(name.c_str(), GENERIC_READ | GENERIC_WRITE, share, owner.attributes(),
-                             CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr);
+        // The system itself deletes an owned file with its last handle, however the process ends.
+        return ::CreateFileW(name.c_str(), GENERIC_READ | GENERIC_WRITE | (owned ? DELETE : 0),
+                             share, owner.attributes(), CREATE_NEW,
+                             FILE_ATTRIBUTE_NORMAL | (owned ? FILE_FLAG_DELETE_ON_CLOSE : 0),
+                             nullptr);
     }
     const DWORD access =
         mode == PositionedFile::Mode::ReadWrite ? GENERIC_READ | GENERIC_WRITE : GENERIC_READ;
@@ -161,6 +165,11 @@ bool PositionedFile::resize(std::uint64_t size) {
     end.EndOfFile.QuadPart = static_cast<LONGLONG>(size);
     return ::SetFileInformationByHandle(asHandle(handle_), FileEndOfFileInfo, &end, sizeof end) !=
            0;
+}
+
+// The system has done it.
+bool removeIfAbandoned(std::u16string_view) {
+    return false;
 }
 
 }  // namespace brushwork::platform

@@ -40,21 +40,25 @@ SwapFile::~SwapFile() {
 }
 
 bool SwapFile::openIn(std::u16string_view directory, std::u16string_view prefix) {
-    std::u16string name = swapFileName(directory, prefix);
-    if (name.empty()) {
-        errno = ENAMETOOLONG;
-        return false;
+    for (int attempt = 1;; ++attempt) {
+        std::u16string name = swapFileName(directory, prefix);
+        if (name.empty()) {
+            errno = ENAMETOOLONG;
+            return false;
+        }
+        name_ = std::move(name);
+        static_cast<void>(platform::unlinkFile(name_));
+        errno = 0;
+        // A file that somebody puts there in this moment is not taken for ours.
+        platform::notePartialFile(name_);  // before it exists: no signal finds it unnamed
+        if (file_.open(name_, platform::PositionedFile::Mode::CreateOwned)) break;
+        const int error = errno;
+        platform::dropPartialFile(name_);
+        errno = error;
+        if (error != EEXIST || attempt == 3) return false;
     }
-    name_ = std::move(name);
-    static_cast<void>(platform::unlinkFile(name_));
-    errno = 0;
-    // A file that somebody puts there in this moment is not taken for ours.
-    platform::notePartialFile(name_);  // before it exists: no signal finds it unnamed
-    if (file_.open(name_, platform::PositionedFile::Mode::CreateNew)) return true;
-    const int error = errno;
-    platform::dropPartialFile(name_);
-    errno = error;
-    return false;
+    removeAbandonedSwapFiles(directory);
+    return true;
 }
 
 bool SwapFile::open() {

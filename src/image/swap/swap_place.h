@@ -1,6 +1,7 @@
 // Where swap files stand and what they are called.
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -23,8 +24,13 @@ struct SwapDirectories {
 inline constexpr std::size_t longestSwapName = 256;
 
 // A path of no file yet: the prefix and some letters, in `directory`. Empty if none was found or it
-// would be too long. It makes no file; another process may be quicker.
+// would be too long. It makes no file; another process may be quicker. The last four letters are a
+// sum of the others, so that a name of ours is known later.
 [[nodiscard]] std::u16string swapFileName(std::u16string_view directory,
                                           std::u16string_view prefix);
+
+// Removes the swap files in `directory` that processes left behind which were killed; answers how
+// many. Files of living processes and of other programs stay.
+std::size_t removeAbandonedSwapFiles(std::u16string_view directory);
 
 }  // namespace brushwork
