@@ -72,7 +72,7 @@ void addTaking(bench::Rounds& rounds, const std::string& name, std::size_t pages
 }
 
 void taking() {
-    constexpr std::size_t pages = 100000;
+    constexpr std::size_t pages = 20000;
     BworkMemory& memory = BworkMemory::instance();
     SmartImageCache& cache = SmartImageCache::instance();
     std::vector<std::uint8_t> from(pageBytes, 1), to(pageBytes);
