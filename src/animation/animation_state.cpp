@@ -1,5 +1,7 @@
 #include "animation/animation_state.h"
 
+#include <algorithm>
+
 #include "brushwork/pnt_undo_database.h"
 
 namespace brushwork {
@@ -19,19 +21,26 @@ AnimFrame* AnimationState::frameShowing(std::uint32_t number) const {
     return list.find(number, place) ? list.frames()[place].get() : nullptr;
 }
 
+// A listener may act on the animation, and leave or take others away, who may be gone by then.
+template <class Call>
+void AnimationState::tell(const Call& call) {
+    for (FrameListener* const listener : std::vector<FrameListener*>(listeners)) {
+        const bool stays =
+            std::find(listeners.begin(), listeners.end(), listener) != listeners.end();
+        if (stays && !listener->paused && !listener->suspended) call(*listener);
+    }
+}
+
 void AnimationState::tellChanged(std::uint32_t number) {
-    for (FrameListener* listener : std::vector<FrameListener*>(listeners))
-        if (!listener->paused && !listener->suspended) listener->frameChanged(currentFrame, number);
+    tell([&](FrameListener& listener) { listener.frameChanged(currentFrame, number); });
 }
 
 void AnimationState::tellCurrent() {
-    for (FrameListener* listener : std::vector<FrameListener*>(listeners))
-        if (!listener->paused && !listener->suspended) listener->currentFrameChanged(currentFrame);
+    tell([&](FrameListener& listener) { listener.currentFrameChanged(currentFrame); });
 }
 
 void AnimationState::tellSelected() {
-    for (FrameListener* listener : std::vector<FrameListener*>(listeners))
-        if (!listener->paused && !listener->suspended) listener->frameSelected(currentFrame);
+    tell([&](FrameListener& listener) { listener.frameSelected(currentFrame); });
 }
 
 CanvasLayer AnimationState::present() const {

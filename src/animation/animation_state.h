@@ -67,6 +67,10 @@ struct AnimationState final : FrameTimeline, std::enable_shared_from_this<Animat
     // From what was to what is now.
     [[nodiscard]] FrameListChange change(CanvasLayer before, FrameListSnapshot old) const;
     [[nodiscard]] bool records(bool undo) const;
+
+  private:
+    template <class Call>
+    void tell(const Call& call);
 };
 
 }  // namespace brushwork

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <set>
 
 #include "animation/anim_frame_add_undo_oper.h"
@@ -439,6 +440,33 @@ TEST(AnimationManager, ListenersMayActAndLeave) {
     EXPECT_TRUE(animation.switchFrame(2));
     EXPECT_EQ(animation.currentFrame(), 1u);
     EXPECT_EQ(host.paint.currentCanvas(), base);
+}
+
+// One that takes another away and ends it: that one hears nothing any more.
+TEST(AnimationManager, AListenerMayEndAnother) {
+    class Ending final : public FrameListener {
+      public:
+        explicit Ending(AnimationManager& animation) : animation_(animation) {}
+        void frameChanged(std::uint32_t, std::uint32_t) override {
+            if (!other) return;
+            animation_.removeListener(*other);
+            other.reset();
+        }
+        std::unique_ptr<NotingListener> other = std::make_unique<NotingListener>();
+
+      private:
+        AnimationManager& animation_;
+    };
+    AnimationHost host;
+    AnimationManager animation(host.paint);
+    Ending ending(animation);
+    NotingListener last;
+    animation.addListener(ending);
+    animation.addListener(*ending.other);
+    animation.addListener(last);
+    EXPECT_TRUE(animation.addFrame(1, host.makeCanvas()));
+    EXPECT_EQ(ending.other, nullptr);
+    EXPECT_EQ(last.changed, Numbers{1});
 }
 
 TEST(AnimationManager, LiveEditsBelongToTheFrameTheyWereMadeOn) {
