@@ -44,6 +44,7 @@ TEST(FacadeMessages, ShapesThatCannotGoIntoALayer) {
         {3, 2, "Cannot create shape stencil into a warp layer.\n"},
         {0, 3, "Cannot warp a shape or mask layer.\n"},
         {1, 3, "Cannot warp a shape or mask layer.\n"},
+        {2, 3, "Cannot warp a shape or mask layer.\n"},
     };
     for (const Case& one : cases) {
         SessionHost host;

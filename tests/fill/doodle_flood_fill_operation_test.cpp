@@ -111,6 +111,21 @@ TEST(DoodleFloodFill, TakesBackAMaskOfNoise) {
     EXPECT_TRUE(checkQuality(2, true));
 }
 
+// Soft lines that cross, with gaps in them.
+TEST(DoodleFloodFill, FollowsItsModelOnDrawings) {
+    Random random(5);
+    for (const std::int32_t channels : {4, 1})
+        for (const int tolerance : {0, 20, 60}) {
+            const Picture picture =
+                makePicture(Motif::Drawing, flatTile(-70, 45, 340, 250), channels, random);
+            for (int i = 0; i < 6; ++i)
+                climbsAsModel(picture,
+                              picture.box.x + static_cast<std::int32_t>(between(random, 0, 339)),
+                              picture.box.y + static_cast<std::int32_t>(between(random, 0, 249)),
+                              tolerance, false);
+        }
+}
+
 TEST(DoodleFloodFill, MixesTheColourByTheMask) {
     const auto image = rowsOf({{0, 0, 20, 40, 60, 0}});
     DoodleFloodFillOperation doodle(flatTile(0, 0, 6, 1), flatTile(0, 0, 6, 1));
