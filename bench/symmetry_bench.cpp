@@ -1,7 +1,7 @@
 // Symmetry: what n copies of a stroke cost, by one stream of stamps and by a renderer a copy. The
-// figure is their time over that of n plain strokes at the same places: 1.05 is the bound. Time of
-// the processor counts, the least of some rounds, since many copies take longer than a slice of a
-// busy machine. `symmetry_bench NAME` runs one brush.
+// figure is their time over that of n plain strokes at the same places: 1.05 is the bound. Both are
+// painted in turn, the one that begins changing from round to round; time of the processor counts,
+// and the median of what the rounds give. `symmetry_bench NAME` runs one brush.
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
@@ -20,8 +20,9 @@ namespace {
 using namespace brushwork;
 
 constexpr float side = 2048.0F, middle = 0.5F * side;
-constexpr std::int32_t rounds = 25;
-constexpr std::int32_t counts[] = {2, 4, 8, 16, 64};
+constexpr std::size_t leastRounds = 5;
+constexpr double enoughSeconds = 0.3;  // of one figure
+constexpr std::int32_t counts[] = {2, 4, 16, 64};
 
 struct Medium {
     const char* name;
@@ -102,7 +103,13 @@ double processorSeconds(const Work& work) {
     return static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
 }
 
-// The time of all copies over that of as many plain strokes at the same places, in turn.
+double medianOf(std::vector<double> values) {
+    const auto middleOne = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
+    std::nth_element(values.begin(), middleOne, values.end());
+    return *middleOne;
+}
+
+// The time of all copies over that of as many plain strokes at the same places.
 double costOf(const Medium& medium, const SymmetrySetup& setup, bool separate) {
     const Canvas canvas;
     npc::StrokeRenderer plain(canvas.high.get(), canvas.low.get());
@@ -111,17 +118,26 @@ double costOf(const Medium& medium, const SymmetrySetup& setup, bool separate) {
     symmetric.setSymmetry(setup);
     setMedium(plain, medium);
     setMedium(symmetric, medium);
-    double least[2] = {1e9, 1e9};
-    for (std::int32_t round = -1; round < rounds; ++round) {
-        const double seconds[] = {
-            processorSeconds([&] { paint(symmetric, medium.radius, setup, 0); }),
-            processorSeconds([&] {
-                for (std::int32_t n = 0; n < setup.sectors; ++n)
-                    paint(plain, medium.radius, setup, n);
-            })};
-        for (std::size_t n = 0; round >= 0 && n < 2; ++n) least[n] = std::min(least[n], seconds[n]);
+    const auto timeOfCopies = [&] {
+        return processorSeconds([&] { paint(symmetric, medium.radius, setup, 0); });
+    };
+    const auto timeOfStrokes = [&] {
+        return processorSeconds([&] {
+            for (std::int32_t n = 0; n < setup.sectors; ++n) paint(plain, medium.radius, setup, n);
+        });
+    };
+    timeOfCopies();
+    timeOfStrokes();
+    std::vector<double> costs;
+    for (double spent = 0.0; costs.size() < leastRounds || spent < enoughSeconds;) {
+        const bool copiesFirst = costs.size() % 2 == 0;
+        double copies = copiesFirst ? timeOfCopies() : 0.0;
+        const double strokes = timeOfStrokes();
+        if (!copiesFirst) copies = timeOfCopies();
+        costs.push_back(copies / strokes);
+        spent += copies + strokes;
     }
-    return least[0] / least[1];
+    return medianOf(costs);
 }
 
 void compare(const Medium& medium, bool mirrors, bool separate) {
@@ -135,6 +151,7 @@ void compare(const Medium& medium, bool mirrors, bool separate) {
         setup.axisX = std::cos(0.3F);
         setup.axisY = std::sin(0.3F);
         std::printf(" %7.3f", costOf(medium, setup, separate));
+        std::fflush(stdout);
     }
     std::printf("\n");
 }
