@@ -12,6 +12,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <utility>
 
 #include "strokes/stamp/stamp_binding.h"
 #include "strokes/stamp/stamp_maker.h"
@@ -65,6 +66,10 @@ class StampRenderer {
     // Paint that goes along with the pen: its middle lies on each stamp's.
     void setCarriedSource(ilImage* high, ilImage* low);
     [[nodiscard]] const StampSource& source() const { return source_; }
+    // Another one for a while: the present one comes back.
+    [[nodiscard]] StampSource exchangeSource(StampSource source) {
+        return std::exchange(source_, std::move(source));
+    }
     void setTargets(ilImage* high, ilImage* low);
     [[nodiscard]] const Ref<ilImage>& highTarget() const { return high_; }
     [[nodiscard]] const Ref<ilImage>& lowTarget() const { return low_; }

@@ -47,20 +47,16 @@ void SymmetryStrokeRenderer::setReplica(std::int32_t replica) {
 
 bool SymmetryStrokeRenderer::setStampRenderer(const std::shared_ptr<StampRenderer>& stampRenderer) {
     StrokeRenderer::setStampRenderer(stampRenderer);
-    for (std::size_t n = 0; n < children_.size(); ++n) {
-        const auto stamps = stampsOf(n, childrenSeparate_);
-        children_[n]->setStampRenderer(stamps);
-        interpolators_[n]->setStampRenderer(stamps);
-    }
+    for (const auto& child : children_) child->setStampRenderer(stampRenderer);
+    for (const auto& interpolator : interpolators_) interpolator->setStampRenderer(stampRenderer);
     return true;
 }
 
 void SymmetryStrokeRenderer::setParameters(const StrokeParameters& stroke,
                                            const BrushParameters* brush) {
     StrokeRenderer::setParameters(stroke, brush);
-    // A single child shares the stamp renderer, which has the brush by now.
-    for (const auto& child : children_)
-        child->setParameters(stroke, childrenSeparate_ ? brush : nullptr);
+    // The stamp renderer has the brush by now.
+    for (const auto& child : children_) child->setParameters(stroke, nullptr);
 }
 
 void SymmetryStrokeRenderer::resetParameters() {
@@ -78,78 +74,70 @@ void SymmetryStrokeRenderer::resizeChildren(std::size_t count, bool separate) {
     if (needsRebuild_ || separate != childrenSeparate_ || builtFlipMode_ != yFlipMode()) {
         children_.clear();
         interpolators_.clear();
+        carried_.clear();
     }
     needsRebuild_ = false;
     childrenSeparate_ = separate;
     builtFlipMode_ = yFlipMode();
     children_.resize(count);
     interpolators_.resize(count);
+    carried_.resize(count);
     for (auto& interpolator : interpolators_)
         if (!interpolator) interpolator = std::make_shared<SymmetryStrokeInterpolator>(setup_);
 }
 
-// The one a child has, or will have, on the present targets and with the present brush.
-std::shared_ptr<StampRenderer> SymmetryStrokeRenderer::stampsOf(std::size_t child,
-                                                                bool separate) const {
-    const std::shared_ptr<StampRenderer> own = getStampRenderer();
-    if (!separate || !own) return own;
-    std::shared_ptr<StampRenderer> stamps;
-    if (children_[child]) stamps = children_[child]->getStampRenderer();
-    if (!stamps) stamps = std::make_shared<StampRenderer>(nullptr, nullptr);
-    bindStamps(*stamps);
-    return stamps;
-}
-
-void SymmetryStrokeRenderer::bindStamps(StampRenderer& stamps) const {
-    const std::shared_ptr<StampRenderer> own = getStampRenderer();
-    stamps.setTargets(own->highTarget().get(), own->lowTarget().get());
-    stamps.setCache(own->cache());
-    stamps.setCacheEnabled(own->cacheEnabled());
-    stamps.setLockAlpha(own->lockAlpha());
-    stamps.setParameters(&own->parameters());
-    if (carriesPaint(blendMode())) return;
-    const StampSource& source = own->source();
-    stamps.setSource(source.high.get(), source.low.get(), source.place == StampSource::Place::Layer,
-                     source.x, source.y);
+// Calls work(n) for each child, with what it carries in the stamp renderer.
+template <class Work>
+void SymmetryStrokeRenderer::inTurn(const Work& work) {
+    const std::shared_ptr<StampRenderer> stamps = getStampRenderer();
+    const bool carries = childrenSeparate_ && stamps &&
+                         (carriesPaint(blendMode()) || stamps->parameters().smearEnabled);
+    for (std::size_t n = 0; n < children_.size(); ++n) {
+        if (!carries) {
+            work(n);
+            continue;
+        }
+        StampSource own = stamps->exchangeSource(std::move(carried_[n]));
+        work(n);
+        carried_[n] = stamps->exchangeSource(std::move(own));
+    }
 }
 
 void SymmetryStrokeRenderer::prepareInterpolator() {
     const bool separate = separates();
     resizeChildren(separate ? static_cast<std::size_t>(setup_.sectors) : 1, separate);
-    for (std::size_t n = 0; n < children_.size(); ++n) {
-        const auto stamps = stampsOf(n, separate);
+    inTurn([&](std::size_t n) {
         const auto& interpolator = interpolators_[n];
         interpolator->setReplica(separate ? static_cast<std::int32_t>(n) : replica_);
-        interpolator->setStampRenderer(stamps);
+        interpolator->setStampRenderer(getStampRenderer());
         const auto child = StrokeRenderer::clone();
-        child->setStampRenderer(stamps);
         child->setInterpolator(interpolator);
         // This renderer's timer serves all.
         child->setHoldDelay(0);
         child->setTileCallback([this](const ilTile& touched) { report(touched); });
         child->beginStroke(getFlagAtBegin());
         children_[n] = child;
-    }
+    });
 }
 
 // Random changes belong to the stroke, not to a copy: all children draw the same ones.
 bool SymmetryStrokeRenderer::drawSegment(StampPoint& point) {
     const std::uint64_t seed = children_.size() > 1 ? freshSeed() : 0;
     bool laid = true;
-    for (const auto& child : children_) {
+    inTurn([&](std::size_t n) {
         if (children_.size() > 1) seedRandom(seed);
-        if (!child->addPoint(point)) laid = false;
-    }
+        if (!children_[n]->addPoint(point)) laid = false;
+    });
     return laid;
 }
 
 bool SymmetryStrokeRenderer::layBeside(const StampPoint& point) {
-    for (const auto& child : children_) child->addPointNoSmoothing(point);
+    inTurn([&](std::size_t n) { children_[n]->addPointNoSmoothing(point); });
     return !children_.empty();
 }
 
 void SymmetryStrokeRenderer::strokeEnded() {
-    for (const auto& child : children_) child->endStroke();
+    inTurn([&](std::size_t n) { children_[n]->endStroke(); });
 }
 
 }  // namespace brushwork::npc

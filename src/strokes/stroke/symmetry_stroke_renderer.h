@@ -5,10 +5,12 @@
 //     renderer.setParameters(stroke, &brush);
 //     renderer.beginStroke(false);              // and on as with any stroke renderer
 //
-// It paints through children: one that lays each stamp with all its copies, on this renderer's own
-// stamp renderer; or, for brushes that carry paint along, one a copy, each with a stamp renderer
-// and so with paint of its own. They live from one beginStroke to the next, run one after the other
-// on the stroke's thread, and tell of the boxes they touch through this renderer's callback.
+// It paints through children: one that lays each stamp with all its copies; or, for brushes that
+// carry paint along, one a copy, each with paint of its own. All lay their stamps with this
+// renderer's stamp renderer, which has a child's paint in its hands while that one's turn lasts:
+// where 64 copies take turns, a stamp renderer each would be found out of the processor's cache.
+// Children live from one beginStroke to the next, run one after the other on the stroke's thread,
+// and tell of the boxes they touch through this renderer's callback.
 #pragma once
 
 #include <cstdint>
@@ -60,8 +62,8 @@ class SymmetryStrokeRenderer final : public StrokeRenderer {
   private:
     [[nodiscard]] bool separates() const;
     void resizeChildren(std::size_t count, bool separate);
-    [[nodiscard]] std::shared_ptr<StampRenderer> stampsOf(std::size_t child, bool separate) const;
-    void bindStamps(StampRenderer& stamps) const;
+    template <class Work>
+    void inTurn(const Work& work);
 
     SymmetrySetup setup_;
     std::int32_t replica_ = -1;
@@ -71,6 +73,7 @@ class SymmetryStrokeRenderer final : public StrokeRenderer {
     std::int32_t builtFlipMode_ = 0;
     std::vector<std::shared_ptr<StrokeRenderer>> children_;
     std::vector<std::shared_ptr<SymmetryStrokeInterpolator>> interpolators_;
+    std::vector<StampSource> carried_;  // by the children
 };
 
 }  // namespace brushwork::npc
