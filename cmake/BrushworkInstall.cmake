@@ -5,11 +5,15 @@ set(_config_dir ${CMAKE_INSTALL_LIBDIR}/cmake/Brushwork)
 install(TARGETS Brushwork EXPORT BrushworkTargets
   RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
   ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
-install(TARGETS InkAtelierBridge RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+# Exported, too: hosts tell setBridgeProgram where it stands.
+install(TARGETS InkAtelierBridge EXPORT BrushworkTargets RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 if(TARGET brushwork)
   install(TARGETS brushwork RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 endif()
-install(DIRECTORY include/brushwork DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+# Without the class that decodes in the host's own process: it needs the codecs, which the engine's
+# library doesn't have.
+install(DIRECTORY include/brushwork DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
+  PATTERN zn_gdi_plus_file_io.h EXCLUDE)
 install(EXPORT BrushworkTargets NAMESPACE Brushwork:: DESTINATION ${_config_dir})
 configure_package_config_file(cmake/BrushworkConfig.cmake.in
   ${CMAKE_CURRENT_BINARY_DIR}/BrushworkConfig.cmake INSTALL_DESTINATION ${_config_dir})

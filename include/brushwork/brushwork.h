@@ -1,4 +1,4 @@
-// All public headers of the engine.
+// All public headers of the installed library.
 #pragma once
 
 #include "brushwork/adjust_family.h"
@@ -6,6 +6,7 @@
 #include "brushwork/animation_manager.h"
 #include "brushwork/attribute_family.h"
 #include "brushwork/blend_mode_table.h"
+#include "brushwork/bridge_client.h"
 #include "brushwork/brush_family.h"
 #include "brushwork/brush_parameters.h"
 #include "brushwork/brush_texture_parameters.h"
@@ -21,6 +22,8 @@
 #include "brushwork/i_string.h"
 #include "brushwork/id_list.h"
 #include "brushwork/il_tile.h"
+#include "brushwork/image_file_info.h"
+#include "brushwork/image_file_params.h"
 #include "brushwork/image_memory.h"
 #include "brushwork/image_ref.h"
 #include "brushwork/layer_family.h"
@@ -47,4 +50,6 @@
 #include "brushwork/transform_family.h"
 #include "brushwork/transform_record.h"
 #include "brushwork/undo_family.h"
+#include "brushwork/zn_file_io.h"
+#include "brushwork/zn_image_file_io.h"
 #include "brushwork/zn_string.h"

@@ -113,6 +113,41 @@ TEST(BridgeClient, SavesAndOpensAgain) {
     EXPECT_TRUE(folder.leftovers().empty());
 }
 
+// The engine's own form: red first, premultiplied, whatever the file holds.
+TEST(BridgeClient, PicturesOfHostsAreAsLayersHaveThem) {
+    TempFolder folder;
+    const HelperProgram helper;
+    for (const char* name : {"rocket.jpg", "tbbn3p08.png", "cup-rgba-zip.tif", "rgba32abf.bmp"}) {
+        ImageFileParams params;
+        const ImageRef picture = openPictureThroughBridge(wide(test::picture(name)), &params);
+        ASSERT_TRUE(picture) << name;
+        const ilTile box = flatTile(0, 0, params.width, params.height);
+        Bytes pixels(std::size_t{4} * static_cast<std::size_t>(box.nx) *
+                     static_cast<std::size_t>(box.ny));
+        ASSERT_TRUE(picture.read(box, pixels.data()));
+        Bytes wanted = decodedHere(test::picture(name), platform::PixelFormat::Pargb32);
+        for (std::size_t n = 0; n < wanted.size(); n += 4) std::swap(wanted[n], wanted[n + 2]);
+        EXPECT_TRUE(pixels == wanted) << name;
+
+        const std::string file = folder.file("saved.png");
+        ASSERT_TRUE(savePictureThroughBridge(picture, box.nx, box.ny, wide(file), "PNG"));
+        const ImageRef back = openPictureThroughBridge(wide(file));
+        Bytes again(pixels.size());
+        ASSERT_TRUE(back.read(box, again.data()));
+        EXPECT_TRUE(again == pixels) << name;
+    }
+    ImageFileParams params;
+    EXPECT_FALSE(openPictureThroughBridge(wide(picture("missing.png")), &params));
+    EXPECT_EQ(params.width, 0);
+    const znString::IString path = wide(folder.file("x.png"));
+    EXPECT_FALSE(savePictureThroughBridge({}, 4, 4, path, "PNG"));
+    EXPECT_FALSE(savePictureThroughBridge(ImageRef::make(1), 4, 4, path, "PNG"));
+    EXPECT_FALSE(savePictureThroughBridge(ImageRef::make(4), 0, 4, path, "PNG"));
+    EXPECT_FALSE(savePictureThroughBridge(ImageRef::make(4), 4, 4, path, "png"));
+    EXPECT_FALSE(std::filesystem::exists(folder.file("x.png")));
+    EXPECT_TRUE(folder.leftovers().empty());
+}
+
 TEST(BridgeClient, RefusesWhatCantBe) {
     TempFolder folder;
     // A helper that notes that it was started.
