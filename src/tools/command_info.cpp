@@ -62,12 +62,47 @@ int info(const std::string& script) {
     return ExitDone;
 }
 
+std::string rangeOf(const FieldRule& rule, const std::string& what) {
+    char numbers[80];
+    std::snprintf(numbers, sizeof numbers, " from %.9g to %.9g", rule.low, rule.high);
+    return what + numbers;
+}
+
+std::string choicesOf(const FieldRule& rule) {
+    std::string all;
+    for (const std::string& word : rule.choices) all += (all.empty() ? "" : ", ") + word;
+    return all;
+}
+
+std::string wanted(const FieldRule& rule) {
+    const std::string thing(wordFor(rule.nameOf));
+    switch (rule.kind) {
+        case FieldKind::Flag: return "true or false";
+        case FieldKind::Integer: return rangeOf(rule, "a whole number");
+        case FieldKind::Number: return rangeOf(rule, "a number");
+        case FieldKind::Text: return "a text";
+        case FieldKind::File: return "a path";
+        case FieldKind::Choice: return choicesOf(rule);
+        case FieldKind::Color: return R"("#rrggbb", "#rrggbbaa", or 3 or 4 numbers from 0 to 1)";
+        case FieldKind::Point: return "[x, y]";
+        case FieldKind::Points:
+            return "[[x, y], [x, y, pressure], ...], at least " + std::to_string(rule.count);
+        case FieldKind::Box: return "[x, y, width, height], whole numbers";
+        case FieldKind::Numbers: return rangeOf(rule, std::to_string(rule.count) + " numbers");
+        case FieldKind::NumberList: return rangeOf(rule, "whole numbers");
+        case FieldKind::NewName: return "a new name of a " + thing;
+        case FieldKind::Name: return "the name of a " + thing;
+        case FieldKind::Names: return "a list of names, each of a " + thing;
+        case FieldKind::Record: return "an object";
+    }
+    return {};
+}
+
 void printFields(const std::vector<FieldRule>& fields, int indent) {
     for (const FieldRule& rule : fields) {
-        std::string words;
-        for (const std::string& word : rule.choices) words += " " + word;
-        std::printf("%*s%s%s%s%s\n", indent, "", rule.name.c_str(),
-                    rule.isNeeded ? " (needed)" : "", words.empty() ? "" : ":", words.c_str());
+        std::printf("%*s%s%s: %s%s\n", indent, "", rule.name.c_str(),
+                    rule.isNeeded ? " (needed)" : "", wanted(rule).c_str(),
+                    rule.since > 1 ? " (from version 2 on)" : "");
         printFields(rule.fields, indent + 4);
     }
 }
@@ -90,7 +125,7 @@ void addInfoCommand(CLI::App& program, int& exitCode) {
     auto* command = program.add_subcommand("info", "Check a journal and tell what it does");
     auto script = std::make_shared<std::string>();
     auto operation = std::make_shared<std::string>();
-    auto* file = command->add_option("SCRIPT", *script, "A journal");
+    auto* file = command->add_option("SCRIPT", *script, "A journal; - reads standard input");
     auto* list =
         command
             ->add_option("--operations", *operation, "List all operations, or one with its fields")

@@ -1,10 +1,12 @@
 #include "tools/command_paint.h"
 
 #include <CLI/CLI.hpp>
+#include <charconv>
 #include <cstdio>
 #include <filesystem>
 #include <memory>
 #include <string>
+#include <system_error>
 #include <vector>
 
 #include "tools/exit_codes.h"
@@ -25,10 +27,14 @@ struct PaintOptions {
 
 // "WxH" in pixels.
 bool parseSize(const std::string& text, Json& canvas) {
-    int width = 0, height = 0, end = 0;
-    if (std::sscanf(text.c_str(), "%dx%d%n", &width, &height, &end) != 2 ||
-        static_cast<std::size_t>(end) != text.size() || width < 1 || height < 1 || width > 16384 ||
-        height > 16384)
+    constexpr std::int32_t mostPixels = 16384;
+    std::int32_t width = 0, height = 0;
+    const char* const end = text.data() + text.size();
+    const auto across = std::from_chars(text.data(), end, width);
+    if (across.ec != std::errc() || across.ptr == end || *across.ptr != 'x') return false;
+    const auto up = std::from_chars(across.ptr + 1, end, height);
+    if (up.ec != std::errc() || up.ptr != end || width < 1 || height < 1 || width > mostPixels ||
+        height > mostPixels)
         return false;
     canvas = {{"op", "canvas"}, {"width", width}, {"height", height}};
     return true;
@@ -71,6 +77,10 @@ int exitCodeFor(const PaintOptions& options, const std::string& failed) {
 }
 
 int paint(const PaintOptions& options) {
+    if (const auto fault = endingFault(options.out)) {
+        std::fprintf(stderr, "brushwork: %s\n", fault->message.c_str());
+        return fault->code;
+    }
     std::string text;
     if (const int exitCode = writeJournal(options, text); exitCode != ExitDone) return exitCode;
     Journal journal;
@@ -89,7 +99,7 @@ int paint(const PaintOptions& options) {
         }
     if (const Problem problem = session.save(options.out, std::nullopt)) {
         std::fprintf(stderr, "brushwork: %s\n", problem->c_str());
-        return pictureFormatOf(options.out).empty() ? ExitUsage : ExitInputOutput;
+        return ExitInputOutput;
     }
     std::printf("%s: %llu strokes, %llu points\n", options.out.c_str(),
                 static_cast<unsigned long long>(session.figures.strokes),

@@ -115,6 +115,7 @@ int saveFrames(const RunOptions& options, JournalSession& session) {
 // Without a prefix, by the journal's name in the folder where the program runs.
 std::string stepsPrefix(const RunOptions& options) {
     if (!options.steps.empty()) return options.steps;
+    if (options.script == standardInput) return "journal-";
     return std::filesystem::path(options.script).stem().string() + "-";
 }
 
@@ -140,6 +141,8 @@ int finish(const RunOptions& options, const Journal& journal, JournalSession& se
 }
 
 int run(const RunOptions& options) {
+    if (!options.out.empty())
+        if (const auto fault = endingFault(options.out)) return told(*fault);
     Journal journal;
     if (const int exitCode = readJournalFile(options.script, journal); exitCode != ExitDone)
         return exitCode;
@@ -188,7 +191,9 @@ void addFrameOptions(CLI::App& command, RunOptions& options) {
 void addRunCommand(CLI::App& program, int& exitCode) {
     auto* command = program.add_subcommand("run", "Carry out a journal: paint by script");
     auto options = std::make_shared<RunOptions>();
-    command->add_option("SCRIPT", options->script, "A journal: a line of JSON an operation")
+    command
+        ->add_option("SCRIPT", options->script,
+                     "A journal: a line of JSON an operation; - is standard input")
         ->required();
     command->add_option("--out", options->out, "Save the picture here at the end");
     addFrameOptions(*command, *options);

@@ -35,6 +35,7 @@ class HostUndoStack final : public PntUndoDatabase {
     // of them each record is a level of its own. A level without records doesn't come to be.
     void beginLevel(std::string title);
     void endLevel();
+    [[nodiscard]] bool inLevel() const { return depth_ > 0; }
 
     Step undo();
     Step redo();

@@ -2,6 +2,7 @@
 
 #include <cstdio>
 #include <fstream>
+#include <iostream>
 #include <vector>
 
 #include "tools/exit_codes.h"
@@ -15,7 +16,9 @@ constexpr std::size_t mostBytes = std::size_t{256} << 20;
 }  // namespace
 
 int readJournalFile(const std::string& path, Journal& journal) {
-    std::ifstream file(path, std::ios::binary);
+    std::ifstream named;
+    if (path != standardInput) named.open(path, std::ios::binary);
+    std::istream& file = path == standardInput ? std::cin : named;
     std::string text;
     std::vector<char> block(1u << 16);
     while (file && text.size() <= mostBytes) {

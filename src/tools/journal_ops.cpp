@@ -26,10 +26,20 @@ const OpRow* rowOf(std::string_view name) {
     return found == table().end() ? nullptr : &*found;
 }
 
+// Most of what is refused within a stroke is refused because of it.
+void tellOfStroke(const JournalSession& session, Problem& problem) {
+    constexpr const char* words = "a stroke is open";
+    if (problem && session.paint.inStroke() && problem->find(words) == std::string::npos)
+        *problem += std::string(" (") + words + ")";
+}
+
 Problem carryOut(JournalSession& session, const OpRow& row, const Operation& op) {
     if (row.isLevel) session.undo.beginLevel(op.name());
     Problem problem = row.run(session, op);
-    if (row.isLevel) session.undo.endLevel();
+    if (row.isLevel) {
+        session.undo.endLevel();
+        tellOfStroke(session, problem);
+    }
     std::vector<std::string> said = session.host.takeMessages();
     if (!said.empty()) session.messages = std::move(said);
     return problem;

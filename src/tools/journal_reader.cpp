@@ -9,6 +9,25 @@ namespace {
 // Deeper than any operation needs, and harmless to whoever walks it.
 constexpr int mostDepth = 16;
 
+// Words of the parser's own without its numbering: "[json.exception...] parse error at ...: ".
+std::string plainCause(const std::string& what) {
+    std::size_t start = what.find("] ");
+    start = start == std::string::npos ? 0 : start + 2;
+    if (what.compare(start, 11, "parse error") == 0)
+        if (const auto words = what.find(": ", start); words != std::string::npos)
+            start = words + 2;
+    return "not JSON: " + what.substr(start);
+}
+
+// A line that is wrong may be of any length, and words that quote it, too.
+std::string shortened(std::string cause) {
+    constexpr std::size_t longest = 500;
+    if (cause.size() <= longest) return cause;
+    std::size_t end = longest;
+    while (end > 0 && (static_cast<unsigned char>(cause[end]) & 0xC0) == 0x80) --end;
+    return cause.substr(0, end) + " ...";
+}
+
 struct LineReader {
     const OpBook& book;
     Journal& journal;
@@ -19,28 +38,37 @@ struct LineReader {
     bool begun = false;
 
     void refuse(std::size_t byte, std::string cause) {
-        faults.push_back({line, columnOf(text, byte), std::move(cause)});
+        faults.push_back({line, columnOf(text, byte), shortened(std::move(cause))});
     }
     void refuse(const FieldFault& fault) { refuse(jsonPlace(text, fault.path), fault.cause); }
 
     bool parse(Json& value);
+    [[nodiscard]] std::size_t quotedPlace(std::string_view what) const;
     void takeHeader(const Json& value);
     void takeOperation(Json value);
     void learnNames(const OpRules& rules, const Json& value);
     void take(std::string_view content);
 };
 
-// Words of the parser's own without its numbering.
-std::string plainCause(const std::string& what) {
-    const auto start = what.find(": ");
-    return "not JSON: " + (start == std::string::npos ? what : what.substr(start + 2));
-}
-
 FieldFault tooNew(const std::string& field, const std::string& name, std::int32_t version) {
     return {{field}, "\"" + name + "\" is for journals of version " + std::to_string(version)};
 }
 
+// Where a number stands that the parser quotes because it is too large; else the start.
+std::size_t LineReader::quotedPlace(std::string_view what) const {
+    const auto end = what.rfind('\'');
+    const auto start = end == std::string_view::npos || end == 0 ? end : what.rfind('\'', end - 1);
+    if (start == std::string_view::npos) return 0;
+    const auto place = text.find(what.substr(start + 1, end - start - 1));
+    return place == std::string_view::npos ? 0 : place;
+}
+
 bool LineReader::parse(Json& value) {
+    // The parser would take it for the end.
+    if (const auto zero = text.find('\0'); zero != std::string_view::npos) {
+        refuse(zero, "not JSON: a zero byte");
+        return false;
+    }
     bool tooDeep = false;
     const auto watch = [&](int depth, Json::parse_event_t, Json&) {
         tooDeep = tooDeep || depth > mostDepth;
@@ -52,7 +80,7 @@ bool LineReader::parse(Json& value) {
         refuse(error.byte > 0 ? error.byte - 1 : 0, plainCause(error.what()));
         return false;
     } catch (const Json::exception& error) {
-        refuse(0, plainCause(error.what()));
+        refuse(quotedPlace(error.what()), plainCause(error.what()));
         return false;
     }
     if (tooDeep) {

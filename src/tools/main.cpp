@@ -27,6 +27,21 @@ std::vector<std::string> literalArguments(int argc, char** argv) {
     return arguments;
 }
 
+// What stands where a subcommand is wanted and is none; empty if all is well. The parser would say
+// only that one is missing.
+std::string unknownCommand(const CLI::App& program, int argc, char** argv) {
+    const CLI::App* app = &program;
+    for (int i = 1; i < argc && argv[i][0] != '-'; ++i) {
+        if (app->get_subcommands([](const CLI::App*) { return true; }).empty()) break;
+        const std::string word = argv[i];
+        const auto named =
+            app->get_subcommands([&](const CLI::App* each) { return each->check_name(word); });
+        if (named.empty()) return word;
+        app = named.front();
+    }
+    return {};
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -52,6 +67,10 @@ int main(int argc, char** argv) {
         addBrushesCommand(program, exitCode);
         addInfoCommand(program, exitCode);
         addImageCommand(program, exitCode);
+        if (const std::string word = unknownCommand(program, argc, argv); !word.empty()) {
+            std::fprintf(stderr, "brushwork: there is no command %s\n", word.c_str());
+            return ExitUsage;
+        }
         try {
             program.parse(literalArguments(argc, argv));
         } catch (const CLI::ParseError& error) {

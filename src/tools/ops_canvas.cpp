@@ -4,6 +4,7 @@ namespace brushwork::tools {
 namespace {
 
 constexpr const char* noCanvas = "there is no canvas";
+constexpr const char* strokeIsOpen = "a stroke is open";
 constexpr const char* ownSize = "the canvas is on a surface of the host's, which has its size";
 
 Problem runCanvas(JournalSession& session, const Operation& op) {
@@ -26,14 +27,14 @@ Problem canvasOf(const JournalSession& session, const Operation& op, std::int32_
 Problem runUseCanvas(JournalSession& session, const Operation& op) {
     std::int32_t index = -1;
     if (auto problem = canvasOf(session, op, index)) return problem;
-    return problemUnless(session.paint.setCurrentCanvas(index), "a stroke is open");
+    return problemUnless(session.paint.setCurrentCanvas(index), strokeIsOpen);
 }
 
 Problem runCloseCanvas(JournalSession& session, const Operation& op) {
     std::int32_t index = -1;
     if (auto problem = canvasOf(session, op, index)) return problem;
     if (session.animation.holdsCanvas(index)) return "a frame has that canvas";
-    return problemUnless(session.paint.closeCanvas(index), "a stroke is open");
+    return problemUnless(session.paint.closeCanvas(index), strokeIsOpen);
 }
 
 Problem runDuplicateCanvas(JournalSession& session, const Operation& op) {
@@ -52,7 +53,7 @@ Problem runScaleCanvas(JournalSession& session, const Operation& op) {
     if (keepsSize(session)) return ownSize;
     return problemUnless(
         session.paint.scaleCanvas(activeOne, op.number("factor"), op.choice("filter", 2)),
-        "the canvas can't be scaled to that size");
+        "the canvas can't be scaled to that size, or a layer of it holds shapes");
 }
 
 Problem runResizeCanvas(JournalSession& session, const Operation& op) {
@@ -69,6 +70,7 @@ Problem runFitCanvas(JournalSession& session, const Operation&) {
 
 Problem runFlipCanvas(JournalSession& session, const Operation& op) {
     if (!session.paint.hasCanvas(activeOne)) return noCanvas;
+    if (session.paint.inStroke()) return strokeIsOpen;
     const std::int32_t way = op.choice("way");
     session.paint.flipCanvas(way != 1, way != 0);
     return std::nullopt;
@@ -76,6 +78,7 @@ Problem runFlipCanvas(JournalSession& session, const Operation& op) {
 
 Problem runRotateCanvas(JournalSession& session, const Operation& op) {
     if (!session.paint.hasCanvas(activeOne)) return noCanvas;
+    if (session.paint.inStroke()) return strokeIsOpen;
     const ilTile box = session.paint.canvasBounds(activeOne);
     if (keepsSize(session) && box.nx != box.ny) return ownSize;
     session.paint.rotateCanvas(op.choice("to") == 1);
@@ -140,7 +143,7 @@ std::vector<OpRow> canvasOps() {
           {needed(newName("as", NameOf::Canvas))}},
          runDuplicateCanvas},
         {{"scale_canvas",
-          "Resamples canvas and layers.",
+          "Resamples canvas and layers; none of them may hold shapes.",
           {needed(number("factor", 0.01, 16.0)),
            choice("filter", {"nearest", "bilinear", "bicubic"})}},
          runScaleCanvas},

@@ -203,7 +203,7 @@ std::vector<OpRow> layerOps() {
           with({name, text("title"), namesOf("layers", NameOf::Layer)})},
          runGroup},
         {{"ungroup",
-          "Takes layers out of their groups, or dissolves groups.",
+          "Dissolves groups; with keep a blank layer stays in place of each.",
           {namesOf("layers", NameOf::Layer), flag("keep")}},
          runUngroup},
         {{"delete", "Deletes layers; one always stays.", {namesOf("layers", NameOf::Layer)}},

@@ -3,20 +3,44 @@
 namespace brushwork::tools {
 namespace {
 
+// The layer of the operation, whose pixels may be changed.
+Problem paintLayerOf(const JournalSession& session, const Operation& op, std::int32_t& id) {
+    if (auto problem = session.layerOf(op, id)) return problem;
+    const PaintManager& paint = session.paint;
+    if (paint.inStroke()) return "a stroke is open";
+    if (paint.isGroup(id)) return "the layer is a group";
+    if (paint.isShapeLayer(id)) return "the layer is made of shapes";
+    return problemUnless(!paint.isLocked(id), "the layer is locked");
+}
+
+// The same, of four channels.
+Problem colourLayerOf(const JournalSession& session, const Operation& op, std::int32_t& id) {
+    if (auto problem = paintLayerOf(session, op, id)) return problem;
+    return problemUnless(!session.paint.isMask(id) && !session.paint.isStencil(id),
+                         "the layer is a mask");
+}
+
+// A paint layer, and it is the active one.
+Problem enterPaintLayer(JournalSession& session, const Operation& op) {
+    std::int32_t id = -1;
+    if (auto problem = paintLayerOf(session, op, id)) return problem;
+    return session.enter(op);
+}
+
 Problem runClear(JournalSession& session, const Operation& op) {
     std::int32_t id = -1;
     if (op.has("box")) {
-        if (auto problem = session.layerOf(op, id)) return problem;
+        if (auto problem = paintLayerOf(session, op, id)) return problem;
         session.paint.clearRegion(op.box("box"), id);
         return std::nullopt;
     }
-    if (auto problem = session.enter(op)) return problem;
+    if (auto problem = enterPaintLayer(session, op)) return problem;
     session.paint.clearLayer();
     return std::nullopt;
 }
 
 Problem runFill(JournalSession& session, const Operation& op) {
-    if (auto problem = session.enter(op)) return problem;
+    if (auto problem = enterPaintLayer(session, op)) return problem;
     if (!op.has("file")) {
         session.paint.fillLayer(op.color("colour", session.paint.color()));
         return std::nullopt;
@@ -30,13 +54,17 @@ Problem runFill(JournalSession& session, const Operation& op) {
 template <class Work>
 Problem onLayer(JournalSession& session, const Operation& op, const Work& work) {
     std::int32_t id = -1;
-    if (auto problem = session.layerOf(op, id)) return problem;
+    if (auto problem = paintLayerOf(session, op, id)) return problem;
     work(session.paint, id);
     return std::nullopt;
 }
 
 Problem runInvert(JournalSession& session, const Operation& op) {
-    return onLayer(session, op, [](PaintManager& paint, std::int32_t id) { paint.invertMask(id); });
+    std::int32_t id = -1;
+    if (auto problem = paintLayerOf(session, op, id)) return problem;
+    if (!session.paint.isMask(id)) return "the layer is not a mask";
+    session.paint.invertMask(id);
+    return std::nullopt;
 }
 
 Problem runFlip(JournalSession& session, const Operation& op) {
@@ -52,11 +80,18 @@ Problem runTurn(JournalSession& session, const Operation& op) {
                    [&](PaintManager& paint, std::int32_t id) { paint.rotateLayer(right, id); });
 }
 
+Problem convolve(JournalSession& session, const Operation& op,
+                 const PixelFamily::ConvolveParams& params) {
+    std::int32_t id = -1;
+    if (auto problem = colourLayerOf(session, op, id)) return problem;
+    session.paint.applyConvolve(params, id);
+    return std::nullopt;
+}
+
 Problem runBlur(JournalSession& session, const Operation& op) {
     PixelFamily::ConvolveParams params;
     params.radius = op.number("radius", params.radius);
-    return onLayer(session, op,
-                   [&](PaintManager& paint, std::int32_t id) { paint.applyConvolve(params, id); });
+    return convolve(session, op, params);
 }
 
 Problem runSharpen(JournalSession& session, const Operation& op) {
@@ -64,11 +99,12 @@ Problem runSharpen(JournalSession& session, const Operation& op) {
     params.sharpen = true;
     params.strength = op.number("strength", params.strength);
     params.detail = op.number("detail", params.detail);
-    return onLayer(session, op,
-                   [&](PaintManager& paint, std::int32_t id) { paint.applyConvolve(params, id); });
+    return convolve(session, op, params);
 }
 
 Problem runShrinkWrap(JournalSession& session, const Operation& op) {
+    std::int32_t id = -1;
+    if (auto problem = colourLayerOf(session, op, id)) return problem;
     if (auto problem = session.enter(op)) return problem;
     session.paint.shrinkWrap(op.color("colour"), op.number("blur"), op.number("tolerance"));
     return std::nullopt;
@@ -147,7 +183,9 @@ Problem runGradient(JournalSession& session, const Operation& op) {
 
 std::vector<OpRow> pixelOps() {
     return {
-        {{"clear", "Empties a layer, or a box of it in its own pixels.", {layer(), box("box")}},
+        {{"clear",
+          "Empties a layer, or a box of it in its own pixels; the only layer takes the background.",
+          {layer(), box("box")}},
          runClear},
         {{"fill",
           "A colour, or a picture file, over a layer where it is selected.",
@@ -166,7 +204,7 @@ std::vector<OpRow> pixelOps() {
           {layer(), number("strength", 0.0, 100.0), number("detail", 0.1, 100.0)}},
          runSharpen},
         {{"shrink_wrap",
-          "Clears a layer from outside up to what differs from a colour.",
+          "A halo of a colour around what a layer holds.",
           {layer(), needed(color("colour")), number("blur", 0.0, 100.0), share("tolerance")}},
          runShrinkWrap},
         {{"adjust",

@@ -10,6 +10,7 @@ FieldRule how() {
 }
 
 Problem onCanvas(const JournalSession& session) {
+    if (session.paint.inStroke()) return "a stroke is open";
     return problemUnless(session.paint.hasCanvas(activeOne), noCanvas);
 }
 
@@ -56,7 +57,7 @@ Problem runSelectPixels(JournalSession& session, const Operation& op) {
     std::int32_t id = -1;
     if (auto problem = session.layerOf(op, id)) return problem;
     session.paint.selectFromLayer(id, op.choice("how"));
-    return std::nullopt;
+    return onCanvas(session);
 }
 
 Problem runSelectImage(JournalSession& session, const Operation& op) {

@@ -59,6 +59,7 @@ Problem runBeginLevel(JournalSession& session, const Operation& op) {
 }
 
 Problem runEndLevel(JournalSession& session, const Operation&) {
+    if (!session.undo.inLevel()) return "no step is open";
     session.undo.endLevel();
     return std::nullopt;
 }

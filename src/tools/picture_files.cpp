@@ -1,13 +1,14 @@
 #include "tools/picture_files.h"
 
 #include <algorithm>
-#include <array>
 #include <cctype>
+#include <filesystem>
 #include <fstream>
+#include <system_error>
 
 #include "bridge/pixel_order.h"
 #include "brushwork/bridge_client.h"
-#include "image/smart/il_smart_image.h"
+#include "brushwork/filename.h"
 #include "image/work/il_sp_memory_img.h"
 
 namespace brushwork::tools {
@@ -22,12 +23,13 @@ struct Ending {
 constexpr Ending endings[] = {{".png", "PNG"}, {".jpg", "JPEG"}, {".jpeg", "JPEG"}, {".bmp", "BMP"},
                               {".gif", "GIF"}, {".tif", "TIFF"}, {".tiff", "TIFF"}};
 
-// The helper hands PNG over premultiplied, all else straight.
-bool beginsAsPng(const std::string& path) {
-    constexpr std::array<char, 4> mark{'\x89', 'P', 'N', 'G'};
-    std::array<char, 4> bytes{};
-    std::ifstream file(path, std::ios::binary);
-    return file.read(bytes.data(), bytes.size()) && bytes == mark;
+// Pictures go to the helper through a file there.
+bool temporaryRoomFor(std::uint64_t bytes) {
+    const std::filesystem::path folder = znOS::Filename::temporaryDirectory().view();
+    std::error_code failed;
+    if (!std::filesystem::is_directory(folder, failed)) return false;
+    const auto space = std::filesystem::space(folder, failed);
+    return failed || space.available >= bytes;
 }
 
 // Of a premultiplied pixel, so that alpha has had its share.
@@ -40,25 +42,21 @@ std::uint8_t lightness(const std::uint8_t* pixel) {
 std::optional<PictureFault> readPicture(const std::string& path, PictureUse use,
                                         ImageRef& picture) {
     if (!std::ifstream(path)) return PictureFault{ExitInputOutput, path + ": can't be read"};
-    const Ref<ilSmartImage> opened =
-        openFromFileThroughBridge(znString::IString(std::string_view(path)), {}, nullptr);
+    ImageFileParams facts;
+    const ImageRef opened =
+        openPictureThroughBridge(znString::IString(std::string_view(path)), &facts);
     if (!opened)
         return PictureFault{ExitBadInput, path + ": not a picture that can be read, or damaged"};
-    ilTile box;
-    opened->bounds(box);
-    box = unionOf(box, flatTile(0, 0, 1, 1));
-    const bool premultiplied = beginsAsPng(path);
     const std::int32_t channels = use == PictureUse::Mask ? 1 : 4;
-    const auto image = makeRef<ilSPMemoryImg>(box.endX(), box.endY(), channels);
+    const auto image = makeRef<ilSPMemoryImg>(facts.width, facts.height, channels);
     if (!image->data()) return PictureFault{ExitLimit, path + ": no memory for the picture"};
-    const auto width = static_cast<std::size_t>(box.endX());
+    const auto width = static_cast<std::size_t>(facts.width);
     std::vector<std::uint8_t> band(width * 4 * rowsAtOnce);
-    for (std::int32_t y = 0; y < box.endY(); y += rowsAtOnce) {
-        const ilTile rows = flatTile(0, y, box.endX(), std::min(rowsAtOnce, box.endY() - y));
-        opened->readRegion(rows, band.data(), rows);
+    for (std::int32_t y = 0; y < facts.height; y += rowsAtOnce) {
+        const ilTile rows = flatTile(0, y, facts.width, std::min(rowsAtOnce, facts.height - y));
+        if (!opened.read(rows, band.data()))
+            return PictureFault{ExitLimit, path + ": no memory for the picture"};
         const std::size_t count = width * static_cast<std::size_t>(rows.ny);
-        swapRedAndBlue(band.data(), count);
-        if (!premultiplied) premultiply(band.data(), count);
         if (channels == 1)
             for (std::size_t n = 0; n < count; ++n) band[n] = lightness(&band[4 * n]);
         image->writeRegion(rows, band.data(), rows);
@@ -76,12 +74,16 @@ std::string pictureFormatOf(const std::string& path) {
     return {};
 }
 
+std::optional<PictureFault> endingFault(const std::string& path) {
+    if (!pictureFormatOf(path).empty()) return std::nullopt;
+    return PictureFault{ExitUsage, path + ": the ending names no format of pictures"};
+}
+
 std::optional<PictureFault> writePicture(const std::string& path, std::int32_t width,
                                          std::int32_t height, std::vector<std::uint8_t>& pixels,
                                          std::optional<std::int32_t> quality) {
+    if (auto fault = endingFault(path)) return fault;
     const std::string format = pictureFormatOf(path);
-    if (format.empty())
-        return PictureFault{ExitUsage, path + ": the ending names no format of pictures"};
     unpremultiply(pixels.data(), pixels.size() / 4);
     swapRedAndBlue(pixels.data(), pixels.size() / 4);
     const ImageRef image = ImageRef::wrap(pixels.data(), width, height, 4);
@@ -91,6 +93,8 @@ std::optional<PictureFault> writePicture(const std::string& path, std::int32_t w
     if (image && saveToFileThroughBridge(image.image(), znString::IString(std::string_view(path)),
                                          znString::CString(format.c_str()), &params))
         return std::nullopt;
+    if (!temporaryRoomFor(pixels.size()))
+        return PictureFault{ExitInputOutput, path + ": no room in the temporary directory"};
     return PictureFault{ExitInputOutput, path + ": can't be written as " + format};
 }
 

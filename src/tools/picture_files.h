@@ -25,6 +25,9 @@ enum class PictureUse { Colors, Mask };
 // "PNG", ... by the ending of the name; empty for an unknown one.
 [[nodiscard]] std::string pictureFormatOf(const std::string& path);
 
+// What is wrong with a name whose ending tells no format.
+[[nodiscard]] std::optional<PictureFault> endingFault(const std::string& path);
+
 // Pixels as PaintManager reads them out; they are changed. `quality` 0 to 100, for JPEG.
 [[nodiscard]] std::optional<PictureFault> writePicture(const std::string& path, std::int32_t width,
                                                        std::int32_t height,

@@ -7,13 +7,17 @@
 namespace brushwork::tools {
 
 void addEngineOptions(CLI::App& command, EngineOptions& options) {
-    command.add_option_function<std::uint64_t>(
-        "--seed",
-        [&options](std::uint64_t seed) {
-            options.seed = seed;
-            options.hasSeed = true;
-        },
-        "Where the random sequence begins; otherwise what the journal says, or 1");
+    command
+        .add_option_function<std::uint64_t>(
+            "--seed",
+            [&options](std::uint64_t seed) {
+                options.seed = seed;
+                options.hasSeed = true;
+            },
+            "Where the random sequence begins; otherwise what the journal says, or 1")
+        ->check([](const std::string& text) {
+            return text.starts_with('-') ? "a seed is 0 or more" : std::string();
+        });
     command.add_option("--threads", options.threads, "Threads that draw; 0: one a processor")
         ->check(CLI::Range(0, 256));
     command.add_option("--vectors", options.vectors, "Widest kernels: scalar, 128 or 256 bits")

@@ -198,6 +198,76 @@ TEST(CommandRun, ExpectationsFailWithLineAndCause) {
     EXPECT_EQ(good.exitCode, 0) << good.err;
 }
 
+// Nothing that the engine passes over in silence counts as done.
+TEST(CommandRun, EditsThatCantBeDoneFail) {
+    TempFolder folder;
+    std::string lines = R"({"op": "canvas", "width": 40, "height": 30}
+{"op": "curve", "name": "c", "kind": "box", "box": [5, 5, 20, 10]}
+{"op": "layer", "name": "paint"}
+{"op": "layer", "name": "locked"}
+{"op": "fill", "colour": "#ff0000"}
+{"op": "set", "layer": "locked", "locked": true}
+{"op": "layer", "name": "mask", "role": "mask"}
+{"op": "group", "name": "group"}
+{"op": "shape", "curves": ["c"], "as": "shapes"}
+{"op": "hash", "as": "before", "quiet": true}
+)";
+    const auto fails = [&](const std::string& start, const std::string& layer) {
+        lines += start + (layer.empty() ? "" : ", \"layer\": \"" + layer + "\"") +
+                 ", \"fails\": true}\n";
+    };
+    const std::string edits[] = {R"({"op": "clear")",
+                                 R"({"op": "clear", "box": [1, 1, 5, 5])",
+                                 R"({"op": "fill", "colour": "#00ff00")",
+                                 R"({"op": "flip", "way": "both")",
+                                 R"({"op": "turn", "to": "left")",
+                                 R"({"op": "blur")",
+                                 R"({"op": "sharpen")",
+                                 R"({"op": "shrink_wrap", "colour": "#00ff00")"};
+    for (const std::string& edit : edits)
+        for (const char* const layer : {"locked", "group", "shapes"}) fails(edit, layer);
+    for (const char* const edit :
+         {R"({"op": "blur")", R"({"op": "shrink_wrap", "colour": "#00ff00")"})
+        fails(edit, "mask");
+    fails(R"({"op": "invert")", "paint");
+    fails(R"({"op": "scale_canvas", "factor": 2)", "");
+    fails(R"({"op": "end_step")", "");
+    lines += R"({"op": "expect_hash", "as": "before"}
+{"op": "begin_stroke", "layer": "paint"}
+)";
+    for (const std::string& edit : edits) fails(edit, "paint");
+    for (const char* const edit :
+         {R"({"op": "select", "what": "all")", R"({"op": "select_box", "box": [1, 1, 5, 5])",
+          R"({"op": "select_pixels", "layer": "locked")", R"({"op": "flip_canvas", "way": "both")",
+          R"({"op": "rotate_canvas", "to": "left")", R"({"op": "clear_layers")"})
+        fails(edit, "");
+    lines += R"({"op": "cancel_stroke"}
+{"op": "use_layer", "layer": "shapes"}
+{"op": "expect_hash", "as": "before"}
+)";
+    const auto outcome = runProgram(folder, "run " + writeJournal(folder, "e.jsonl", lines));
+    EXPECT_EQ(outcome.exitCode, 0) << outcome.err;
+}
+
+TEST(CommandRun, ComesByStandardInputAndLooksAtNamesFirst) {
+    TempFolder folder;
+    const std::string script = writeJournal(folder, "s.jsonl", R"(
+{"op": "canvas", "width": 40, "height": 30}
+{"op": "note", "text": "begun"}
+)");
+    const auto piped = runProgram(folder, "run - <" + script);
+    EXPECT_EQ(piped.exitCode, 0) << piped.err;
+    EXPECT_EQ(piped.out, "begun\n");
+    const auto ending =
+        runProgram(folder, "run " + script + " --out '" + folder.file("x.pgn") + "'");
+    EXPECT_EQ(ending.exitCode, 2);
+    EXPECT_EQ(ending.out, "") << "it ran before";
+    EXPECT_EQ(runProgram(folder, "run " + script + " --seed -1").exitCode, 2);
+    const auto unknown = runProgram(folder, "rum " + script);
+    EXPECT_EQ(unknown.exitCode, 2);
+    EXPECT_NE(unknown.err.find("no command rum"), std::string::npos) << unknown.err;
+}
+
 TEST(CommandRun, ShapesOfOneLayerStayTogether) {
     TempFolder folder;
     const auto outcome = runProgram(folder, "run " + writeJournal(folder, "two.jsonl", R"(
@@ -265,7 +335,8 @@ TEST(CommandPaint, PaintsARecordedPen) {
 )"));
     EXPECT_EQ(check.exitCode, 0) << check.err;
     EXPECT_EQ(paint("--brush no-such").exitCode, 4);
-    EXPECT_EQ(paint("--brush hard --size 90by60").exitCode, 2);
+    for (const char* const size : {"90by60", "0x60", "90x16385", "4294967386x60", "90x60x", "x"})
+        EXPECT_EQ(paint(std::string("--brush hard --size ") + size).exitCode, 2) << size;
     std::ofstream(folder.file("pen.dat")) << "0 1 2 0.5\n0.1 1 2\n";
     const auto bad = paint("--brush hard");
     EXPECT_EQ(bad.exitCode, 3);

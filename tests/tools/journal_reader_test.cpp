@@ -48,8 +48,19 @@ TEST(JournalReader, RefusesWithLineColumnAndCause) {
     refused("{\"op\": \"note\", \"text\": \"\xC3\xA4\xC3\xB6\", \"texxt\": 1}", 39, "no field");
     refused("{\"op\": \"note\", \"text\": \"\xC3(\"}", 26, "not JSON");
     refused("[1]", 1, "an operation is wanted");
-    refused("{\"op\": \"wait\", \"milliseconds\": 1e999}", 1, "not JSON");
+    refused("{\"op\": \"wait\", \"milliseconds\": 1e999}", 32, "not JSON: number overflow");
+    refused(std::string("{\"op\": \"undo\"}\0 rest", 21), 15, "a zero byte");
     refused(std::string(5000, '['), 5001, "not JSON");
+}
+
+TEST(JournalReader, QuotesOfLongLinesAreShort) {
+    const std::string word(1000000, 'x');
+    for (const std::string& line :
+         {"{\"op\": \"" + word + "\"}", "{\"op\": \"" + word + "\x01\"}"}) {
+        const auto faults = faultsOf(head + line + "\n");
+        ASSERT_EQ(faults.size(), 1u);
+        EXPECT_LT(faults[0].cause.size(), 1000u);
+    }
 }
 
 TEST(JournalReader, WantsItsFirstLine) {
