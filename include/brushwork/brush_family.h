@@ -1,5 +1,8 @@
 // BrushFamily: the current brush, which the next stroke begins with. An open stroke goes on as it
 // began. No undo records.
+//
+// Until setBrush the brush has no size, and strokes paint nothing: BrushParameters::defaults() is a
+// round brush.
 #pragma once
 
 #include <array>
@@ -27,6 +30,9 @@ class BRUSHWORK_API BrushFamily {
     [[nodiscard]] const BrushParameters& brush() const;
     [[nodiscard]] const StrokeParameters& strokeParameters() const;
     void setBrushTexture(const Ref<BrushTextureParameters>& texture);
+    // The same with a copy of the image's box as the texture's grain: one channel, one period of
+    // the pattern. Any other image: no grain.
+    void setBrushTexture(const Ref<BrushTextureParameters>& texture, const ImageRef& grain);
     // Of one channel the tip, where the brush's own is off or beside it; of four what it paints in
     // place of the colour. No image: the plain tip and the colour.
     void setStamp(const ImageRef& image);

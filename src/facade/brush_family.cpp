@@ -5,6 +5,7 @@
 
 #include "facade/facade_state.h"
 #include "facade/input_limits.h"
+#include "image/work/il_sp_memory_img.h"
 
 namespace brushwork {
 namespace {
@@ -12,6 +13,14 @@ namespace {
 // What is no number counts as the lower end.
 float within(float value, float low, float high) {
     return value >= low ? std::min(value, high) : low;
+}
+
+// The pixels of its box, with a corner at 0, 0, so that whoever repeats them knows where they end.
+Ref<ilImage> denseCopy(const ImageRef& image) {
+    const ilTile box = image.bounds();
+    if (image.channels() != 1 || box.isEmpty()) return {};
+    const auto copy = makeRef<ilSPMemoryImg>(box.nx, box.ny, 1);
+    return copy->data() && image.read(box, copy->data()) ? Ref<ilImage>(copy) : Ref<ilImage>();
 }
 
 }  // namespace
@@ -43,6 +52,15 @@ void BrushFamily::setBrushTexture(const Ref<BrushTextureParameters>& texture) {
     if (texture != state_.brush.texture || !texture)
         state_.brush.grain = texture ? makeRef<TextureGenerator>(texture) : Ref<TextureGenerator>();
     state_.brush.texture = texture;
+}
+
+void BrushFamily::setBrushTexture(const Ref<BrushTextureParameters>& texture,
+                                  const ImageRef& grain) {
+    if (texture) {
+        texture->image = denseCopy(grain);
+        texture->dirty = true;
+    }
+    setBrushTexture(texture);
 }
 
 void BrushFamily::setStamp(const ImageRef& image) {

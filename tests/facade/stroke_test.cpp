@@ -414,6 +414,37 @@ TEST(StrokeWindow, TheHostIsToldInOrder) {
 }
 
 // About a centre of the document, wherever the layer lies; a painter for each copy if asked.
+// A host's picture of the paper, wherever it lies, and one that is changed later.
+TEST_F(StrokeFacade, TheGrainIsACopyOfTheHostsPicture) {
+    const auto stroke = [&](const ImageRef& grain) {
+        const auto paper = makeRef<BrushTextureParameters>();
+        manager_.setBrushTexture(paper, grain);
+        manager_.strokeLine(20, 60, 160, 60);
+        const std::string text = imageText(manager_.layerImage(layer_));
+        host_.records().back()->undo(nullptr);
+        return text;
+    };
+    BrushParameters grainy = brush();
+    grainy.textureEnabled = true;
+    manager_.setBrush(grainy, StrokeParameters());
+    std::vector<std::uint8_t> pixels(64, 255);
+    for (std::size_t n = 0; n < pixels.size(); n += 3) pixels[n] = 40;
+    const std::string plain = stroke({});
+    const ImageRef wrapped = ImageRef::wrap(pixels.data(), 8, 8, 1);
+    const std::string grained = stroke(wrapped);
+    EXPECT_NE(grained, plain);
+    ImageRef sparse = ImageRef::make(1);
+    ASSERT_TRUE(sparse.write(flatTile(-30, 500, 8, 8), pixels.data()));
+    EXPECT_EQ(stroke(sparse), grained);
+    EXPECT_EQ(stroke(ImageRef::make(1)), plain);
+    EXPECT_EQ(stroke(ImageRef::make(4)), plain);
+    const auto paper = makeRef<BrushTextureParameters>();
+    manager_.setBrushTexture(paper, wrapped);
+    pixels.assign(64, 0);
+    manager_.strokeLine(20, 60, 160, 60);
+    EXPECT_EQ(imageText(manager_.layerImage(layer_)), grained);
+}
+
 TEST_F(StrokeFacade, SymmetryIsThatOfTheDocument) {
     constexpr std::uint32_t red = 0xFF0000FF;
     manager_.setColor({1.0f, 0.0f, 0.0f, 1.0f});
