@@ -23,6 +23,7 @@ class BRUSHWORK_API CanvasFamily {
     // A copy that shares all pixels, and is not made current. -1 for a wrong index.
     std::int32_t duplicateCanvas(std::int32_t canvas);
     // Resamples all layers. `filter`: 0 nearest, 1 bilinear, 2 bicubic. The canvas is resized.
+    // False for sizes as above, and where a layer holds shapes.
     bool scaleCanvas(std::int32_t canvas, float scale, std::int32_t filter);
     // Undo of closing the current one brings it back. False: no such canvas, or a stroke is open.
     bool closeCanvas(std::int32_t canvas);

@@ -44,6 +44,10 @@ ilTile contentOf(const LayerStack& stack) {
     return all;
 }
 
+bool holdsShapes(const LayerStack& stack) {
+    return !eachLayer(stack.parts().list, [](const Layer& layer) { return !layer.holdsShapes(); });
+}
+
 }  // namespace
 
 std::int32_t CanvasFamily::newCanvas(std::int32_t width, std::int32_t height, std::intptr_t value1,
@@ -78,8 +82,9 @@ std::int32_t CanvasFamily::duplicateCanvas(std::int32_t canvas) {
 }
 
 bool CanvasFamily::scaleCanvas(std::int32_t canvas, float scale, std::int32_t filter) {
-    LayerStack* const before = state_.stackAt(canvas);
-    if (!before || !(scale > 0.0f) || !std::isfinite(scale)) return false;
+    const LayerStack* const before = state_.stackAt(canvas);
+    // The curves of shapes are the host's and would stay as they are.
+    if (!before || holdsShapes(*before) || !(scale > 0.0f) || !std::isfinite(scale)) return false;
     const ilTile box = before->canvasBounds();
     const auto scaled = [&](std::int32_t size) {
         const double wanted = std::round(static_cast<double>(size) * scale);

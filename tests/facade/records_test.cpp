@@ -327,6 +327,14 @@ TEST_F(FiledRecords, TransformsLeaveShapeLayersWhereTheyAre) {
     }
 }
 
+TEST_F(FiledRecords, ACanvasWithShapesIsNotScaled) {
+    EXPECT_TRUE(manager_.scaleCanvas(-2, 2.0f, 1));
+    addShape();
+    const DocumentState before = stateOf(manager_);
+    EXPECT_EQ(filed([&] { EXPECT_FALSE(manager_.scaleCanvas(-2, 0.5f, 1)); }), "");
+    EXPECT_EQ(differences(before, stateOf(manager_)), "");
+}
+
 TEST_F(FiledRecords, AreDumpedWithTheirCanvases) {
     std::string text;
     setLogSink([&](std::string_view piece) { text += piece; });
