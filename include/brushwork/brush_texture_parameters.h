@@ -1,9 +1,8 @@
 // BrushTextureParameters: the paper grain of a brush.
 //
 //     const auto paper = makeRef<BrushTextureParameters>();
-//     paper->image = grain;
 //     paper->setRandomOffset(true);
-//     paper->drawOffset();              // as each stroke begins
+//     manager.setBrushTexture(paper, grain);
 //
 // A TextureGenerator turns it into the image that stamps are laid under.
 #pragma once

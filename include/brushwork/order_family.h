@@ -25,7 +25,8 @@ class BRUSHWORK_API OrderFamily {
                     bool dryRun = false);
     // Puts them into a new group, active then, where the topmost of them stood. Its id.
     std::int32_t makeGroupFrom(std::span<const std::int32_t> ids);
-    // Their members come to stand where the groups stood; `keepGroup` leaves the groups, empty.
+    // Their members come to stand where the groups stood; `keepGroup` leaves above them, in place
+    // of each group, a blank layer with its name and attributes.
     bool ungroup(std::span<const std::int32_t> ids, bool keepGroup = false);
     // Of the active layer, above it and active then; while there is a selection, of what it holds.
     // The new id. Copies share their pages until either is painted on.

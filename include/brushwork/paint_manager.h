@@ -5,7 +5,7 @@
 //     PaintManager manager;
 //     manager.newCanvas(1024, 768);
 //     manager.newLayer();
-//     manager.setColor({0.8f, 0.1f, 0.1f, 1.0f});
+//     manager.setBrush(BrushParameters::defaults(), StrokeParameters());
 //     manager.beginStroke();
 //     manager.addPoint({100.0f, 100.0f, 1.0f});
 //     manager.addPoint({500.0f, 300.0f, 1.0f});

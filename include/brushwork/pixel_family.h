@@ -1,7 +1,8 @@
 // PixelFamily: the pixels of a layer or a canvas at once.
 //
 // Of the layer with that id, or of the active one (-2). Nothing happens to groups, layers of
-// shapes and locked layers, for unknown ids and within a stroke.
+// shapes and locked layers, for unknown ids and within a stroke; nor to masks by applyConvolve and
+// shrinkWrap, to others by invertMask.
 #pragma once
 
 #include <array>
@@ -18,6 +19,8 @@ struct FacadeState;
 
 class BRUSHWORK_API PixelFamily {
   public:
+    // The only layer of a canvas is filled with the background's colour instead, while nothing is
+    // selected.
     void clearLayer(bool present = true);
     void fillLayer(const std::array<float, 4>& color);  // red, green, blue, alpha, 0 to 1
     void fillWithImage(const ImageRef& image);

@@ -28,12 +28,15 @@ struct StrokeParameters {
     // guide or was no stroke). Any other number: smoothed.
     std::int32_t interpolationKind = 1;
     Ref<GuideCurve> guide;
-    bool isMarker = false;             // a marker, whatever brushKind says; changes the spacing
-    bool airbrush = false;             // stamps go on while the pen rests
-    bool followDirection = false;      // the way of travel is added to the angle
-    std::uint8_t reserved1 = 0;        // copied only
-    std::int32_t brushKind = 0;        // picks the blend mode of the stroke
-    float strokeBufferOpacity = 1.0f;  // 0..1, of the layer's stroke buffer
+    bool isMarker = false;         // a marker, whatever brushKind says; changes the spacing
+    bool airbrush = false;         // stamps go on while the pen rests
+    bool followDirection = false;  // the way of travel is added to the angle
+    std::uint8_t reserved1 = 0;    // copied only
+    // The medium: 1 marker, 2 smudge (begins with what lies under the pen), 3 the same beginning
+    // with the brush's colour, 4 marker without colour, 6 pastel, 7 replace, 8 eraser, 9 glow. Any
+    // other number: paint.
+    std::int32_t brushKind = 0;
+    float strokeBufferOpacity = 1.0f;                    // 0..1, of the layer's stroke buffer
     BlendModeId strokeBufferMode = BlendModeId::Normal;  // of the layer's stroke buffer
     bool clearPickupBuffers = true;
     float pickupScale = 1.0f;  // size of the pick-up buffers, relative to the stamp

@@ -13,7 +13,7 @@ struct FacadeState;
 
 class BRUSHWORK_API TransformFamily {
   public:
-    // Closes one that is open. `mode` 0 keeps the layer's own images in front.
+    // Closes one that is open. `mode` 0 keeps the layer's own images in front; `arg` is the host's.
     bool beginTransform(std::span<const std::int32_t> ids, std::int32_t mode = 0,
                         std::int32_t arg = 0);
     // False: none is open, or numbers that are no place. Document pixels and degrees.
