@@ -38,16 +38,12 @@ WideBox wideBox(const ilTile& tile) {
 // however they end.
 class Blender::Session {
   public:
-    explicit Session(Blender& blender) : blender_(blender) {
-        blender_.held_ = {};
-        blender_.openWalk();
-    }
+    explicit Session(Blender& blender) : blender_(blender) { blender_.openWalk(); }
     Session(const Session&) = delete;
     Session& operator=(const Session&) = delete;
     ~Session() {
         endBatch();
         if (!blender_.holds_) blender_.closeWalk();
-        if (blender_.open_ && blender_.walk_.lockCount() != 0) keepPages();
     }
 
     [[nodiscard]] bool isOpen() const { return blender_.open_; }
@@ -57,7 +53,10 @@ class Blender::Session {
     void add(const WideBox& box) {
         blender_.share_ =
             std::clamp(box.width() * box.height() / sharesPerBox, leastShare, largestShare);
-        blender_.walk_.run(box, [this](const WorkRecord& record) { blender_.take(record); });
+        blender_.walk_.run(box, [this](const WorkRecord& record) {
+            if (blender_.holds_) blender_.holdLastPage();
+            blender_.take(record);
+        });
     }
     void finishBatch() {
         if (blender_.threaded_) blender_.processRecords();
@@ -66,22 +65,19 @@ class Blender::Session {
 
   private:
     void endBatch() {
-        if (!blender_.holds_ || blender_.walk_.lockCount() > mostHeld) blender_.walk_.unlock();
+        if (!blender_.holds_ || blender_.walk_.lockCount() > mostHeld) {
+            blender_.forgetHeldPages();
+            blender_.walk_.unlock();
+        }
         blender_.records_.clear();
-    }
-
-    // For the runs to come.
-    void keepPages() {
-        const WideBox pages = blender_.walk_.lastPages();
-        blender_.walk_.setPlainMask({}, 0, 0);  // each run has its own
-        if (!pages.isEmpty()) blender_.heldRecord_ = blender_.walk_.record(pages);
-        blender_.held_ = pages;
     }
 
     Blender& blender_;
 };
 
-Blender::Blender(std::int32_t mode) : mode_(mode) {}
+Blender::Blender(std::int32_t mode) : mode_(mode) {
+    records_.reserve(1);  // what processHeld needs
+}
 
 Blender::~Blender() {
     closeWalk();
@@ -89,13 +85,14 @@ Blender::~Blender() {
 
 void Blender::openWalk() {
     open_ = open_ ? walk_.renew(inputs_) : walk_.begin(inputs_);
+    if (!open_) forgetHeldPages();
     walk_.setPlainMask(plainMask_, plainMaskX_, plainMaskY_);
 }
 
 void Blender::closeWalk() {
     walk_.end();
     open_ = false;
-    held_ = {};
+    forgetHeldPages();
 }
 
 void Blender::releasePages() {
@@ -114,10 +111,9 @@ void Blender::run(const ilTile& rect) {
 }
 
 void Blender::run(const ilTile& rect, const ilTile& room) {
-    if (rect.isEmpty()) return;
+    if (rect.isEmpty() || runInHeldPages(rect, room)) return;
     prepareRun();
     try {
-        if (runInHeldPages(rect, room)) return;
         Session session(*this);
         if (!session.isOpen()) return;
         WideBox batch;
@@ -129,36 +125,101 @@ void Blender::run(const ilTile& rect, const ilTile& room) {
     }
 }
 
+void Blender::forgetHeldPages() {
+    heldCount_ = 0;
+    ++heldTurn_;
+}
+
+// For the runs to come.
+void Blender::holdLastPage() {
+    const WideBox area = walk_.presentPages();
+    if (heldPageAt(area.x0, area.y0)) return;
+    if (heldCount_ < heldPages_.size()) heldNext_ = heldCount_++;
+    HeldPage& page = heldPages_[heldNext_];
+    heldNext_ = (heldNext_ + 1) % heldPages_.size();
+    page.area = area;
+    page.record = walk_.presentRecord();
+}
+
+const Blender::HeldPage* Blender::heldPageAt(std::int64_t x, std::int64_t y) const {
+    for (std::size_t n = 0; n < heldCount_; ++n)
+        if (lies({x, y, x + 1, y + 1}, heldPages_[n].area)) return &heldPages_[n];
+    return nullptr;
+}
+
 // A row of small stamps stays in the same pages for long.
 bool Blender::runInHeldPages(const ilTile& rect, const ilTile& room) {
+    if (heldCount_ == 0) return false;
     WideBox box = wideBox(rect);
-    if (!lies(box, held_)) return false;
     const std::int64_t pixels = box.width() * box.height();
     if (threaded_ && pixels > someWork) return false;
+    if (heldCurrent_ >= heldCount_ || !lies(box, heldPages_[heldCurrent_].area)) {
+        const HeldPage* const page = heldPageAt(box.x0, box.y0);
+        if (!page) return false;
+        if (!lies(box, page->area)) return runAcrossHeldPages(box);
+        heldCurrent_ = static_cast<std::size_t>(page - heldPages_.data());
+    }
     pixelCount_ += static_cast<std::uint64_t>(pixels);
+    const HeldPage& page = heldPages_[heldCurrent_];
     const WideBox around = wideBox(room);
     const std::int64_t width = (box.width() + vectorPixels - 1) & -vectorPixels;
-    const std::int64_t end = std::min({box.x0 + width, around.x1, held_.x1});
-    if (end - width >= std::max(around.x0, held_.x0)) {
+    const std::int64_t end = std::min({box.x0 + width, around.x1, page.area.x1});
+    if (end - width >= std::max(around.x0, page.area.x0)) {
         box.x1 = end;
         box.x0 = end - width;
     }
-    WorkRecord& record = records_.emplace_back(heldRecord_);
-    record.width = static_cast<std::int32_t>(box.width());
-    record.height = static_cast<std::int32_t>(box.height());
-    const auto right = static_cast<std::ptrdiff_t>(box.x0 - held_.x0);
-    const auto up = static_cast<std::ptrdiff_t>(box.y0 - held_.y0);
+    blendHeld(page, box);
+    return true;
+}
+
+// Some stamps of a row lie on the border of two pages, or the corner of four.
+bool Blender::runAcrossHeldPages(const WideBox& box) {
+    for (const bool blends : {false, true}) {  // nothing if a part can't be
+        std::int64_t rowEnd = box.y1;
+        for (std::int64_t y = box.y0; y < box.y1; y = rowEnd)
+            for (std::int64_t x = box.x0; x < box.x1;) {
+                const HeldPage* const page = heldPageAt(x, y);
+                if (!page) return false;
+                const WideBox part{x, y, std::min(box.x1, page->area.x1),
+                                   std::min(box.y1, page->area.y1)};
+                if (x == box.x0) rowEnd = part.y1;
+                if (part.y1 != rowEnd) return false;
+                if (blends) blendHeld(*page, part);
+                x = part.x1;
+            }
+    }
+    pixelCount_ += static_cast<std::uint64_t>(box.width() * box.height());
+    return true;
+}
+
+void Blender::blendHeld(const HeldPage& page, const WideBox& box) {
+    HeldBox part;
+    part.width = static_cast<std::int32_t>(box.width());
+    part.height = static_cast<std::int32_t>(box.height());
+    part.right = static_cast<std::ptrdiff_t>(box.x0 - page.area.x0);
+    part.up = static_cast<std::ptrdiff_t>(box.y0 - page.area.y0);
+    if (plainMask_.base)
+        part.mask = plainMask_.base +
+                    static_cast<std::ptrdiff_t>(box.y0 - plainMaskY_) * plainMask_.rowBytes() +
+                    static_cast<std::ptrdiff_t>(box.x0 - plainMaskX_);
+    processHeld(page.record, part);
+}
+
+void Blender::processHeld(const WorkRecord& page, const HeldBox& box) {
+    records_.assign(1, page);
+    WorkRecord& record = records_[0];
+    record.x += box.right;
+    record.y += box.up;
+    record.width = box.width;
+    record.height = box.height;
     for (WorkPlane& plane : record.planes)
-        if (plane.base) plane.base += up * plane.rowBytes() + right * plane.bytesPerPixel;
-    if (plainMask_.base) {
-        WorkPlane& mask = record.planes[InputMask];
-        mask = plainMask_;
-        mask.base += static_cast<std::ptrdiff_t>(box.y0 - plainMaskY_) * mask.rowBytes() +
-                     static_cast<std::ptrdiff_t>(box.x0 - plainMaskX_);
+        if (plane.base) plane.base += box.up * plane.rowBytes() + box.right * plane.bytesPerPixel;
+    if (box.mask) {
+        record.planes[InputMask] = plainMask_;
+        record.planes[InputMask].base = box.mask;
     }
     processRecord(0);
     records_.clear();
-    return true;
 }
 
 void Blender::run(const TileSet& rects) {
@@ -191,6 +252,7 @@ void Blender::take(const WorkRecord& record) {
     for (std::int32_t y = 0; y < record.height; y += rows) {
         WorkRecord& band = records_.emplace_back(record);
         band.height = std::min(rows, record.height - y);
+        band.y += y;
         for (WorkPlane& plane : band.planes)
             if (plane.base) plane.base = plane.row(y);
     }

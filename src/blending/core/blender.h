@@ -5,6 +5,8 @@
 // A blender belongs to one thread at a time; its runs never overlap.
 #pragma once
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <set>
 #include <vector>
@@ -75,8 +77,19 @@ class Blender {
     // Called once at the start of a run.
     virtual void prepareRun() {}
 
+    // A box that lies in a page that is held.
+    struct HeldBox {
+        std::int32_t width = 0, height = 0;
+        std::ptrdiff_t right = 0, up = 0;  // pixels from the corner of the page
+        std::uint8_t* mask = nullptr;      // of a plain mask; else null
+    };
+    // Blends one, as processRecord would the record of it. The record of a page has no plain mask.
+    virtual void processHeld(const WorkRecord& page, const HeldBox& box);
+    // As long as the turn is the same, the records of pages differ in their places alone.
+    [[nodiscard]] std::uint32_t heldTurn() const { return heldTurn_; }
+
     // A changed slot isn't what the held pages were locked for.
-    void forgetHeldPages() { held_ = {}; }
+    void forgetHeldPages();
 
     BlendSlots inputs_;    // who changes one forgets the held pages
     WorkPlane plainMask_;  // stands for a mask image where it has a base
@@ -88,7 +101,16 @@ class Blender {
   private:
     class Session;
 
+    // Where no input changes page.
+    struct HeldPage {
+        WideBox area;
+        WorkRecord record;  // of its corner, without a plain mask
+    };
     [[nodiscard]] bool runInHeldPages(const ilTile& rect, const ilTile& room);
+    [[nodiscard]] bool runAcrossHeldPages(const WideBox& box);
+    [[nodiscard]] const HeldPage* heldPageAt(std::int64_t x, std::int64_t y) const;
+    void blendHeld(const HeldPage& page, const WideBox& box);
+    void holdLastPage();
     void openWalk();
     void closeWalk();
     void take(const WorkRecord& record);
@@ -98,8 +120,11 @@ class Blender {
     TileWalk walk_;
     bool open_ = false;  // the walk: it has images to blend
     bool holds_ = false;
-    WideBox held_;           // in it no input changes page, and all pages are held; may be empty
-    WorkRecord heldRecord_;  // of its corner
+    std::array<HeldPage, 8> heldPages_;  // of which the first ones count
+    std::size_t heldCount_ = 0;
+    std::size_t heldNext_ = 0;     // the one that goes next
+    std::size_t heldCurrent_ = 0;  // where the last box lay
+    std::uint32_t heldTurn_ = 0;
     std::vector<WorkRecord> records_;
     std::uint64_t pixelCount_ = 0;
     std::int64_t share_ = 0;  // pixels that a thread takes at a time

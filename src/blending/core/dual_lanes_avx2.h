@@ -89,7 +89,9 @@ struct Avx2DualLanes {
     static Words down8(Words a) { return _mm256_srli_epi16(a, 8); }
     static Words topBit(Words a) { return _mm256_srli_epi16(a, 15); }
     static Words alphaOf(Words a) {
-        return _mm256_shufflehi_epi16(_mm256_shufflelo_epi16(a, 0xFF), 0xFF);
+        return _mm256_shuffle_epi8(
+            a, _mm256_setr_epi8(6, 7, 6, 7, 6, 7, 6, 7, 14, 15, 14, 15, 14, 15, 14, 15, 6, 7, 6, 7,
+                                6, 7, 6, 7, 14, 15, 14, 15, 14, 15, 14, 15));
     }
 
     // In double, a pixel a lane. Two exact values below 2^32 and 2^16 have a quotient whose
@@ -108,7 +110,9 @@ struct Avx2DualLanes {
         const __m256d exact = _mm256_div_pd(dividend, toDouble(b));
         const __m256d cut = _mm256_sub_pd(exact, _mm256_set1_pd(0.5 - 1.0 / 262144));
         const __m256i whole = _mm256_castpd_si256(_mm256_add_pd(cut, round));
-        return _mm256_shufflehi_epi16(_mm256_shufflelo_epi16(whole, 0), 0);
+        return _mm256_shuffle_epi8(
+            whole, _mm256_setr_epi8(0, 1, 0, 1, 0, 1, 0, 1, 8, 9, 8, 9, 8, 9, 8, 9, 0, 1, 0, 1, 0,
+                                    1, 0, 1, 8, 9, 8, 9, 8, 9, 8, 9));
     }
 };
 

@@ -36,6 +36,30 @@ struct GenericBlender::Layout {
     }
 };
 
+namespace {
+
+// Of constants, the source's pixels are still missing.
+KernelBlock blockOf(const WorkRecord& work) {
+    KernelBlock block;
+    block.rows = work.height;
+    KernelRow& row = block.first;
+    row.count = static_cast<std::size_t>(work.width);
+    const auto place = [&](BlendInput input, auto*& pointer, std::ptrdiff_t& step) {
+        pointer = work.planes[input].base;
+        step = work.planes[input].rowBytes();
+    };
+    place(InputDestination, row.hi, block.steps.hi);
+    place(InputSecondDestination, row.lo, block.steps.lo);
+    place(InputSource, row.source, block.steps.source);
+    place(InputSecondSource, row.source2, block.steps.source2);
+    place(InputMask, row.mask, block.steps.mask);
+    row.sourceStride = row.source ? 1 : 0;
+    row.maskStride = row.mask ? 1 : 0;
+    return block;
+}
+
+}  // namespace
+
 const KernelTable& kernelsOf(const GenericBlender& blender) {
     return blender.kernels();
 }
@@ -51,8 +75,6 @@ GenericBlender::~GenericBlender() = default;
 void GenericBlender::reset() {
     Blender::reset();
     setOpacity(1.0F);
-    sourceStride_ = 0;
-    maskStride_ = 0;
     setConstantColor(opaqueBlack);
     setConstantMask(255);
 }
@@ -87,7 +109,6 @@ void GenericBlender::setSecondDestination(ilImage* image, std::int32_t x, std::i
 
 void GenericBlender::setSource(ilImage* image, std::int32_t x, std::int32_t y, bool writable) {
     bind(InputSource, image, x, y, writable);
-    sourceStride_ = image ? 1 : 0;
 }
 
 void GenericBlender::setSecondSource(ilImage* image, std::int32_t x, std::int32_t y,
@@ -97,17 +118,7 @@ void GenericBlender::setSecondSource(ilImage* image, std::int32_t x, std::int32_
 
 void GenericBlender::setMask(ilImage* image, std::int32_t x, std::int32_t y, bool writable) {
     bind(InputMask, image, x, y, writable);
-    maskStride_ = image ? 1 : 0;
     plainMask_ = {};
-}
-
-void GenericBlender::setPlainMask(std::uint8_t* pixels, std::int32_t stride, std::int32_t x,
-                                  std::int32_t y) {
-    if (inputs_[InputMask].image || maskStride_ == 0) setMask(nullptr, 0, 0, false);
-    maskStride_ = 1;
-    plainMask_ = {pixels, stride, 1, 1};
-    plainMaskX_ = x;
-    plainMaskY_ = y;
 }
 
 void GenericBlender::setOpacity(float value) {
@@ -147,6 +158,7 @@ void GenericBlender::installKernels(bool allowVector) {
     kernels_ = defaultKernels();
     vectorsAllowed_ = allowVector;
     tableLevel_ = vectorLevel();
+    heldWork_.ready = false;
 }
 
 void GenericBlender::prepareRun() {
@@ -156,7 +168,7 @@ void GenericBlender::prepareRun() {
 
 // False if the channels of the inputs don't go together: then no pixel changes. Kernels take
 // sources of the target's channels and masks of one.
-bool GenericBlender::layoutOf(const WorkRecord& record, Layout& layout) const {
+bool GenericBlender::layoutOf(const WorkRecord& record, Layout& layout) {
     const auto channels = [&](BlendInput index) { return record.planes[index].channels; };
     const auto fits = [&](BlendInput index, std::int32_t wanted) {
         return !record.planes[index].base || channels(index) == wanted;
@@ -169,45 +181,82 @@ bool GenericBlender::layoutOf(const WorkRecord& record, Layout& layout) const {
            fits(InputSecondSource, target) && fits(InputMask, 1);
 }
 
-bool GenericBlender::isEmptyWork() const {
-    return opacity16_ == 0 || (sourceStride_ == 0 && constantColor_[0] == 0) ||
-           (maskStride_ == 0 && constantMask_[0] == 0);
+bool GenericBlender::isEmptyWork(const WorkRecord& work) const {
+    return opacity16_ == 0 || (!work.planes[InputSource].base && constantColor_[0] == 0) ||
+           (!work.planes[InputMask].base && constantMask_[0] == 0);
 }
 
 void GenericBlender::processRecord(std::int32_t index) {
-    const WorkRecord& work = record(index);
+    blendRectangle(record(index));
+}
+
+void GenericBlender::blend(const WorkRecord& work) {
+    prepareRun();
+    blendRectangle(work);
+}
+
+void GenericBlender::blendRectangle(const WorkRecord& work) const {
     Layout layout;
-    if (!layoutOf(work, layout) || (skipEmpty_ && isEmptyWork())) return;
+    if (!layoutOf(work, layout) || (skipEmpty_ && isEmptyWork(work))) return;
 
     RowWalk walk;
     walk.pixelBytes = layout.gray ? 1 : 4;
     walk.lockAlpha = lockAlpha_ && !layout.gray;
-    walk.block.rows = work.height;
-    KernelBlock::Steps& steps = walk.block.steps;
+    walk.block = blockOf(work);
     KernelRow& row = walk.block.first;
-    row.count = static_cast<std::size_t>(work.width);
-    const auto place = [&](BlendInput input, auto*& pointer, std::ptrdiff_t& step) {
-        pointer = work.planes[input].base;
-        step = work.planes[input].rowBytes();
-    };
-    place(InputDestination, row.hi, steps.hi);
-    place(InputSecondDestination, row.lo, steps.lo);
-    place(InputSource, row.source, steps.source);
-    place(InputSecondSource, row.source2, steps.source2);
-    place(InputMask, row.mask, steps.mask);
 
     // Copies, since modes that carry paint along write to their source, and threads share this.
     alignas(32) auto color = constantColor_;
     alignas(8) auto gray = constantGray_;
-    row.sourceStride = sourceStride_;
     if (!row.source)
         row.source = layout.gray ? gray.data() : reinterpret_cast<std::uint8_t*>(color.data());
-    row.maskStride = maskStride_;
     if (!row.mask && opacity16_ != 65535) row.mask = constantMask_.data();
 
     walk.kernel = layout.kernel(kernels_, row.mask != nullptr, useVectors_);
     if (row.mask && useVectors_) walk.blockKernel = layout.blockKernel(kernels_);
     walkRows(*this, walk);
+}
+
+// A row of stamps in the same images: what was found out for the first holds for the others.
+void GenericBlender::processHeld(const WorkRecord& page, const HeldBox& box) {
+    if (!heldWork_.ready || heldWork_.turn != heldTurn()) prepareHeld(page);
+    if (!heldWork_.kernel || !box.mask) return Blender::processHeld(page, box);
+    const bool constant = heldWork_.constantSource;
+    if (skipEmpty_ && (opacity16_ == 0 || (constant && constantColor_[0] == 0))) return;
+
+    alignas(32) auto color = constantColor_;
+    KernelBlock block;
+    block.steps = heldWork_.steps;
+    block.steps.mask = plainMask_.rowBytes();
+    const auto place = [&](BlendInput input, std::ptrdiff_t step) {
+        std::uint8_t* const base = page.planes[input].base;
+        return base ? base + box.up * step + box.right * 4 : nullptr;
+    };
+    KernelRow& row = block.first;
+    row.hi = place(InputDestination, block.steps.hi);
+    row.lo = place(InputSecondDestination, block.steps.lo);
+    row.source = constant ? reinterpret_cast<std::uint8_t*>(color.data())
+                          : place(InputSource, block.steps.source);
+    row.source2 = place(InputSecondSource, block.steps.source2);
+    row.mask = box.mask;
+    row.sourceStride = constant ? 0 : 1;
+    row.maskStride = 1;
+    row.count = static_cast<std::size_t>(box.width);
+    block.rows = box.height;
+    heldWork_.kernel(*this, block);
+}
+
+void GenericBlender::prepareHeld(const WorkRecord& page) {
+    heldWork_ = {};
+    heldWork_.ready = true;
+    heldWork_.turn = heldTurn();
+    WorkRecord work = page;
+    work.planes[InputMask] = {};
+    Layout layout;
+    if (!useVectors_ || lockAlpha_ || !layoutOf(work, layout)) return;
+    heldWork_.steps = blockOf(work).steps;
+    heldWork_.constantSource = !work.planes[InputSource].base;
+    heldWork_.kernel = layout.blockKernel(kernels_);
 }
 
 }  // namespace brushwork::npc

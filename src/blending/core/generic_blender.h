@@ -29,8 +29,14 @@ class GenericBlender : public Blender {
 
   protected:
     void processRecord(std::int32_t index) override;
+    void processHeld(const WorkRecord& page, const HeldBox& box) override;
 
   public:
+    // Blends one rectangle whose inputs are where the record says, in place of a run: for who walks
+    // over images itself and shares their parts among blenders of one mode. An input without a base
+    // isn't there, whatever is bound.
+    void blend(const WorkRecord& work);
+
     // An image and where its corner lies; null takes it away. The second destination holds the low
     // bytes and is always writable.
     virtual void setSecondDestination(ilImage* image, std::int32_t x, std::int32_t y);
@@ -53,7 +59,12 @@ class GenericBlender : public Blender {
     void setDestination(ilImage* image, std::int32_t x, std::int32_t y);
     // A mask of bytes in plain memory in place of an image, until the next setMask: the first one
     // at (x, y), `stride` of them from row to row. Borrowed; runs must not lead beyond it.
-    void setPlainMask(std::uint8_t* pixels, std::int32_t stride, std::int32_t x, std::int32_t y);
+    void setPlainMask(std::uint8_t* pixels, std::int32_t stride, std::int32_t x, std::int32_t y) {
+        if (inputs_[InputMask].image) setMask(nullptr, 0, 0, false);
+        plainMask_ = {pixels, stride, 1, 1};
+        plainMaskX_ = x;
+        plainMaskY_ = y;
+    }
     // Stands for a source image where none is bound. Red in the lowest byte, alpha in the highest.
     void setConstantColor(std::uint32_t color);
     [[nodiscard]] std::uint32_t constantColor() const { return constantColor_[0]; }
@@ -62,7 +73,10 @@ class GenericBlender : public Blender {
     void setConstantMask(std::uint8_t value);
     [[nodiscard]] std::uint8_t constantMask() const { return constantMask_[0]; }
     // The target keeps its alpha; its colours are scaled to it.
-    void setLockAlpha(bool on) { lockAlpha_ = on; }
+    void setLockAlpha(bool on) {
+        lockAlpha_ = on;
+        heldWork_.ready = false;
+    }
     [[nodiscard]] bool lockAlpha() const { return lockAlpha_; }
     // Whether sources that can't change anything end the work at once.
     [[nodiscard]] bool skipEmpty() const { return skipEmpty_; }
@@ -93,19 +107,28 @@ class GenericBlender : public Blender {
 
     void bind(BlendInput index, ilImage* image, std::int32_t x, std::int32_t y, bool writable);
     void setOpacityAt(std::size_t index, float value, std::uint32_t& fixed);
-    [[nodiscard]] bool layoutOf(const WorkRecord& record, Layout& layout) const;
-    [[nodiscard]] bool isEmptyWork() const;
+    [[nodiscard]] static bool layoutOf(const WorkRecord& record, Layout& layout);
+    [[nodiscard]] bool isEmptyWork(const WorkRecord& work) const;
+    void blendRectangle(const WorkRecord& work) const;
+    void prepareHeld(const WorkRecord& page);
 
     std::uint32_t opacity16_ = 65535, opacity2_ = 65535, opacity3_ = 65535;
     // Constants stand for whole vectors of pixels: of 4 channels, of one (the red), of a mask.
     alignas(32) std::array<std::uint32_t, 8> constantColor_{};
     alignas(8) std::array<std::uint8_t, 8> constantGray_{};
     alignas(8) std::array<std::uint8_t, 8> constantMask_{};
-    std::uint32_t sourceStride_ = 0, maskStride_ = 0;
     bool lockAlpha_ = false;
     bool vectorsAllowed_ = true;                    // as installKernels was told
     VectorLevel tableLevel_ = VectorLevel::Scalar;  // at which the table was filled
     bool useVectors_ = false;                       // in the present run
+    // Work in the pages that are held, but for size, place and constants.
+    struct HeldWork {
+        bool ready = false;
+        std::uint32_t turn = 0;
+        BlockKernel kernel = nullptr;  // null: goes the way of any work
+        KernelBlock::Steps steps;
+        bool constantSource = false;
+    } heldWork_;
 };
 
 }  // namespace brushwork::npc

@@ -15,8 +15,9 @@ constexpr std::int64_t farthest = std::int64_t{1} << 30;
 // Smart images can be read anywhere, but what is written to them further out is lost.
 constexpr std::int64_t farthestWritten = coordinateLimit;
 
-// A walk over another input's pages comes back to at most four pages of this one.
-constexpr std::size_t recentLocks = 4;
+// A walk over another input's pages comes back to four pages of this one, and the runs of a stroke
+// to all those that they hold.
+constexpr std::size_t recentLocks = 64;
 
 std::int64_t floorDiv(std::int64_t value, std::int64_t step) {
     return value >= 0 ? value / step : -((step - 1 - value) / step);

@@ -48,13 +48,10 @@ WideBox TileWalk::clipped(WideBox box) const {
 }
 
 void TileWalk::run(const WideBox& box, const Visitor& visit) {
-    run_ = box;
-    visited_ = {};
     if (!box.isEmpty()) walk(blendInputCount, box, visit);
 }
 
-WideBox TileWalk::lastPages() const {
-    if (run_.isEmpty() || !(visited_ == run_)) return {};
+WideBox TileWalk::presentPages() const {
     WideBox common = clipped({INT32_MIN, INT32_MIN, INT32_MAX, INT32_MAX});
     for (std::size_t n = 0; n < blendInputCount; ++n) {
         if (!inputs_[n].isBound()) continue;
@@ -74,7 +71,6 @@ void TileWalk::unlock() {
 void TileWalk::walk(std::size_t inputsLeft, const WideBox& box, const Visitor& visit) {
     while (inputsLeft > 0 && !inputs_[inputsLeft - 1].isBound()) --inputsLeft;
     if (inputsLeft == 0) {
-        visited_ = box;
         visit(record(box));
         return;
     }
@@ -97,9 +93,21 @@ void TileWalk::walk(std::size_t inputsLeft, const WideBox& box, const Visitor& v
 }
 
 WorkRecord TileWalk::record(const WideBox& box) const {
+    WorkRecord record = imageRecord(box);
+    if (plainMask_.base) {
+        WorkPlane& mask = record.planes[InputMask];
+        mask = plainMask_;
+        mask.base += (box.y0 - maskY_) * mask.rowBytes() + (box.x0 - maskX_);
+    }
+    return record;
+}
+
+WorkRecord TileWalk::imageRecord(const WideBox& box) const {
     WorkRecord record;
     record.width = static_cast<std::int32_t>(box.width());
     record.height = static_cast<std::int32_t>(box.height());
+    record.x = box.x0;
+    record.y = box.y0;
     for (std::size_t n = 0; n < blendInputCount; ++n) {
         if (!inputs_[n].isBound()) continue;
         const PageView& view = current_[n];
@@ -109,11 +117,6 @@ WorkRecord TileWalk::record(const WideBox& box) const {
         plane.bytesPerPixel = plane.channels;
         const std::int64_t pixel = (box.y0 - view.y) * view.stride + (box.x0 - view.x);
         plane.base = view.data + static_cast<std::ptrdiff_t>(pixel * plane.bytesPerPixel);
-    }
-    if (plainMask_.base) {
-        WorkPlane& mask = record.planes[InputMask];
-        mask = plainMask_;
-        mask.base += (box.y0 - maskY_) * mask.rowBytes() + (box.x0 - maskX_);
     }
     return record;
 }

@@ -42,20 +42,21 @@ class TileWalk {
     void run(const WideBox& box, const Visitor& visit);
     void unlock();
 
-    // If all of the last run's box was one rectangle: the largest box around it that lies in the
-    // same pages, in which record() answers without a walk as long as those stay locked. Else
-    // empty.
-    [[nodiscard]] WideBox lastPages() const;
-    [[nodiscard]] WorkRecord record(const WideBox& box) const;
+    // For a visitor, and after a run with one rectangle until the next: the largest box around the
+    // present rectangle that lies in the same pages, as long as those stay locked.
+    [[nodiscard]] WideBox presentPages() const;
+    // Its record, without a plain mask.
+    [[nodiscard]] WorkRecord presentRecord() const { return imageRecord(presentPages()); }
 
   private:
     void walk(std::size_t inputsLeft, const WideBox& box, const Visitor& visit);
+    [[nodiscard]] WorkRecord imageRecord(const WideBox& box) const;
+    [[nodiscard]] WorkRecord record(const WideBox& box) const;
 
     std::array<InputPages, blendInputCount> inputs_;
     WorkPlane plainMask_;  // no base: none
     std::int64_t maskX_ = 0, maskY_ = 0;
     std::array<PageView, blendInputCount> current_{};  // of the inputs that the walk has reached
-    WideBox run_, visited_;                            // the last ones
 };
 
 }  // namespace brushwork::npc

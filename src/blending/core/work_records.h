@@ -56,6 +56,7 @@ struct WorkPlane {
 // One rectangle that lies in a single page of each input. Rectangles of a run don't meet.
 struct WorkRecord {
     std::int32_t width = 0, height = 0;  // pixels
+    std::int64_t x = 0, y = 0;           // of its corner, in the blend's coordinates
     std::array<WorkPlane, blendInputCount> planes{};
 
     [[nodiscard]] std::int64_t pixels() const { return std::int64_t{width} * height; }

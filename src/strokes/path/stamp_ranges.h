@@ -13,6 +13,12 @@ namespace brushwork {
     return radius > maximumStampRadius ? maximumStampRadius : radius;
 }
 
+// Of the whole pixel that a stamp's middle lies in: boxes around it fit 32 bits.
+[[nodiscard]] inline bool isStampInReach(float x, float y) {
+    constexpr float farthest = 1.0e9f;  // from the origin
+    return std::fabs(x) < farthest && std::fabs(y) < farthest;
+}
+
 // std::floor, without a call where the number fits an int.
 [[nodiscard]] inline float floorOf(float value) {
     if (!(std::fabs(value) < 8388608.0f)) return std::floor(value);

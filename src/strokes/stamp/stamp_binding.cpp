@@ -110,7 +110,7 @@ void bindSource(GenericBlender& blender, const StampSource& source, const StampI
         blender.setSecondSource(source.low.get(), left, bottom, writable);
         return;
     }
-    blender.setSource(stamp.color.get(), x, y, writable);
+    blender.setSource(stamp.color, x, y, writable);
     blender.setSecondSource(nullptr, 0, 0, false);
     blender.setConstantColor(color);
 }
@@ -125,14 +125,16 @@ std::int32_t StampSource::bottom(const ilTile& stamp) const {
     return placeOn(*this, y, stamp.y, stamp.ny, image.sizeY());
 }
 
+bool hasTexture(const BrushParameters& brush) {
+    return brush.texture && brush.textureEnabled && brush.texture->enabled && brush.textureImage;
+}
+
 TextureMask::TextureMask() = default;
 TextureMask::~TextureMask() = default;
 
 ilSPMemoryImg* TextureMask::apply(const BrushParameters& brush, const StampImages& stamp,
                                   float strength) {
-    const bool active =
-        brush.texture && brush.textureEnabled && brush.texture->enabled && brush.textureImage;
-    if (!active) return stamp.mask.get();
+    if (!hasTexture(brush)) return stamp.mask;
     const std::int32_t width = stamp.mask->sizeX(), height = stamp.mask->sizeY();
     if (!image_ || image_->sizeX() != width || image_->sizeY() != height)
         image_ = makeRef<ilSPMemoryImg>(width, height, 1);
@@ -142,10 +144,10 @@ ilSPMemoryImg* TextureMask::apply(const BrushParameters& brush, const StampImage
     }
     if (!image_->data()) {
         image_.reset();
-        return stamp.mask.get();
+        return stamp.mask;
     }
     blender_->setDestination(image_.get(), 0, 0);
-    blender_->setSource(stamp.mask.get(), 0, 0, false);
+    blender_->setSource(stamp.mask, 0, 0, false);
     blender_->setMask(brush.textureImage.get(), -(stamp.box.x + brush.texture->offsetX),
                       -(stamp.box.y + brush.texture->offsetY), false);
     blender_->setOpacity2(strength);

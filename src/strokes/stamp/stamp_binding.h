@@ -43,6 +43,9 @@ struct StampSource {
 void bindSource(GenericBlender& blender, const StampSource& source, const StampImages& stamp,
                 std::uint32_t color);
 
+// Whether the brush's stamps get the grain of a paper.
+[[nodiscard]] bool hasTexture(const BrushParameters& brush);
+
 // The mask of a stamp with the grain of the paper in it.
 class TextureMask {
   public:

@@ -10,7 +10,6 @@ namespace {
 
 // Beyond what any brush makes: 665 pixels of radius, scaled by 4 and turned, are 7,500.
 constexpr float longestSide = 16384.0f;
-constexpr float farthest = 1.0e9f;  // from the origin; a box there still fits 32 bits
 
 // A pixel is translated, then turned back, then scaled.
 StampMap mapOf(const StampFrame& f, float perX, float perY, float middleX, float middleY) {
@@ -36,14 +35,6 @@ StampMap StampFrame::toTable(std::int32_t imageWidth, std::int32_t imageHeight) 
                  width * 0.5f + 0.5f, height * 0.5f + 0.5f);
 }
 
-bool wholePlace(const StampPoint& point, std::int32_t& x, std::int32_t& y) {
-    const float floorX = floorOf(point.x), floorY = floorOf(point.y);
-    if (!(std::fabs(floorX) < farthest && std::fabs(floorY) < farthest)) return false;
-    x = static_cast<std::int32_t>(floorX);
-    y = static_cast<std::int32_t>(floorY);
-    return true;
-}
-
 StampFrame stampFrame(const StampPoint& point) {
     StampFrame f;
     f.radius = point.radius;
@@ -60,8 +51,7 @@ StampFrame stampFrame(const StampPoint& point) {
     const float width = h * s + w * c + 1.0f;
     const float height = h * c + w * s + 1.0f;
     const float floorX = std::floor(point.x), floorY = std::floor(point.y);
-    const bool fits = width < longestSide && height < longestSide && std::fabs(floorX) < farthest &&
-                      std::fabs(floorY) < farthest;
+    const bool fits = width < longestSide && height < longestSide && isStampInReach(floorX, floorY);
     if (!fits) return f;
 
     const auto nx = static_cast<std::int32_t>(width), ny = static_cast<std::int32_t>(height);

@@ -35,9 +35,6 @@ struct StampFrame {
     float scaleX = 1.0f, scaleY = 1.0f;
 };
 
-// The pixel that the stamp's middle lies in. False if that is out of reach.
-[[nodiscard]] bool wholePlace(const StampPoint& point, std::int32_t& x, std::int32_t& y);
-
 // Of a quantised point. A scale of 0 counts as the smallest one.
 [[nodiscard]] StampFrame stampFrame(const StampPoint& point);
 

@@ -61,29 +61,40 @@ std::uint32_t StampImageCache::takePlace() {
 
 void StampImageCache::growBuckets() {
     buckets_.assign(buckets_.size() * 2, none);
-    for (std::uint32_t place = newest_; place != none; place = places_[place].item->older_) {
+    for (std::uint32_t place = newest_; place != none; place = places_[place].older) {
         std::uint32_t& first = buckets_[bucketOf(places_[place].key)];
         places_[place].next = std::exchange(first, place);
     }
 }
 
 void StampImageCache::linkAsNewest(std::uint32_t place) {
-    StampImageCacheItem& item = *places_[place].item;
-    item.newer_ = none;
-    item.older_ = newest_;
-    (newest_ == none ? oldest_ : places_[newest_].item->newer_) = place;
+    places_[place].newer = none;
+    places_[place].older = newest_;
+    (newest_ == none ? oldest_ : places_[newest_].newer) = place;
     newest_ = place;
 }
 
 void StampImageCache::unlink(std::uint32_t place) {
-    const StampImageCacheItem& item = *places_[place].item;
-    (item.newer_ == none ? newest_ : places_[item.newer_].item->older_) = item.older_;
-    (item.older_ == none ? oldest_ : places_[item.older_].item->newer_) = item.newer_;
+    const std::uint32_t newer = places_[place].newer, older = places_[place].older;
+    (newer == none ? newest_ : places_[newer].older) = older;
+    (older == none ? oldest_ : places_[older].newer) = newer;
+}
+
+// Stamps of one size and angle have places of their own.
+std::size_t StampImageCache::recentOf(std::uint64_t key) {
+    const std::uint64_t within = (key & 0xF) | (key >> 4 & 0xF0);
+    return static_cast<std::size_t>((within ^ key >> 48) & 0xFF);
 }
 
 StampImageCacheItem* StampImageCache::find(std::uint64_t key) {
-    const std::uint32_t place = placeOf(key);
-    if (place == none) return nullptr;
+    std::uint32_t& recent = recent_[recentOf(key)];
+    std::uint32_t place = recent;
+    // A key is held in one place at most, so whatever place holds it is the right one.
+    if (place >= places_.size() || places_[place].key != key || !places_[place].item) {
+        place = placeOf(key);
+        if (place == none) return nullptr;
+        recent = place;
+    }
     if (place != newest_) {
         unlink(place);
         linkAsNewest(place);

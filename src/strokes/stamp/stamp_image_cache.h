@@ -53,11 +53,9 @@ class StampImageCacheItem final : public zn::ReferenceCount {
     Ref<ilSPMemoryImg> color;  // 4 channels, or none
     ilTile inked;              // of the mask: outside it is 0; may be empty
     ilTile box;                // of the stamp, as seen from the pixel that its middle lies in
-
-  private:
-    friend class StampImageCache;
-    // Places in the map of the neighbours in order of use.
-    std::uint32_t newer_ = 0, older_ = 0;
+    // The mask's, so that a stamp is laid without a look at the image.
+    std::uint8_t* maskPixels = nullptr;
+    std::int32_t maskStride = 0;  // bytes from row to row
 };
 
 class StampImageCache final : public zn::ReferenceCount {
@@ -95,9 +93,10 @@ class StampImageCache final : public zn::ReferenceCount {
     static constexpr std::uint32_t none = std::numeric_limits<std::uint32_t>::max();
     struct Place {
         std::uint64_t key = 0;
-        std::uint64_t bytes = 0;
         Ref<StampImageCacheItem> item;
-        std::uint32_t next = none;  // in its bucket, or of the free places
+        std::uint32_t next = none;                 // in its bucket, or of the free places
+        std::uint32_t newer = none, older = none;  // neighbours in order of use
+        std::uint64_t bytes = 0;
     };
 
     std::uint64_t open(const StampIdentity& identity);
@@ -105,6 +104,7 @@ class StampImageCache final : public zn::ReferenceCount {
     StampImageCacheItem* find(std::uint64_t key);
     void insert(const Ref<StampImageCacheItem>& item, std::uint64_t key);
 
+    [[nodiscard]] static std::size_t recentOf(std::uint64_t key);
     [[nodiscard]] std::uint32_t bucketOf(std::uint64_t key) const;
     [[nodiscard]] std::uint32_t placeOf(std::uint64_t key) const;
     std::uint32_t takePlace();
@@ -115,6 +115,8 @@ class StampImageCache final : public zn::ReferenceCount {
 
     std::vector<Place> places_;
     std::vector<std::uint32_t> buckets_;  // first places; as many as a power of two
+    // Where stamps that were found lately may be, by their place within the pixel.
+    std::array<std::uint32_t, 256> recent_{};
     std::uint32_t freePlaces_ = none;
     std::uint64_t usedBytes_ = 0;
     std::uint32_t maxBytes_;

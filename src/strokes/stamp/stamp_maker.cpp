@@ -119,6 +119,7 @@ void StampMaker::setTip(const StampTip& tip) {
 void StampMaker::freeTables() {
     shapeTable_.clear();
     colorTable_.clear();
+    made_.reset();
     current_ = {};
 }
 
@@ -175,30 +176,32 @@ bool StampMaker::prepareColor(const StampFrame& frame, const StampPoint& point,
 }
 
 // What is found needs no frame.
-bool StampMaker::takeFromCache(const StampPoint& point, std::uint64_t key) {
+bool StampMaker::takeFromCache(const StampKey& key) {
     refreshLease();
-    std::int32_t x = 0, y = 0;
-    if (!wholePlace(point, x, y)) return false;
-    const StampImageCacheItem* const found = lease_.find(key);
-    if (found) show(*found, x, y);
+    if (!key.inReach) return false;
+    const StampImageCacheItem* const found = lease_.find(key.key);
+    if (found) show(*found, key.x, key.y);
     return found != nullptr;
 }
 
-void StampMaker::makeForCache(const StampFrame& frame, const StampPoint& point, std::uint64_t key) {
-    std::int32_t x = 0, y = 0;
-    const auto item = makeRef<StampImageCacheItem>();
+void StampMaker::makeForCache(const StampFrame& frame, const StampPoint& point,
+                              const StampKey& key) {
+    made_ = makeRef<StampImageCacheItem>();
+    StampImageCacheItem* const item = made_.get();
     Job job;
-    if (!wholePlace(point, x, y) || !prepareMask(frame, point, item->mask, job)) return;
+    if (!key.inReach || !prepareMask(frame, point, item->mask, job)) return;
     if (wants(StampColors::Kept)) prepareColor(frame, point, item->color, job);
     StampBands(frame.box.nx, frame.box.ny).run([&job](StampBands::Band band) {
         job.makeRows(band);
     });
     item->inked = inkedPart(*item->mask);
     item->box = frame.box;
-    item->box.x -= x;
-    item->box.y -= y;
-    show(*item, x, y);
-    lease_.insert(item, key);
+    item->box.x -= key.x;
+    item->box.y -= key.y;
+    item->maskPixels = job.mask.pixels;
+    item->maskStride = job.mask.rowBytes;
+    show(*item, key.x, key.y);
+    lease_.insert(made_, key.key);
 }
 
 void StampMaker::show(const StampImageCacheItem& item, std::int32_t x, std::int32_t y) {
@@ -208,29 +211,32 @@ void StampMaker::show(const StampImageCacheItem& item, std::int32_t x, std::int3
     current_.inked = item.inked;
     current_.inked.x += current_.box.x;
     current_.inked.y += current_.box.y;
-    current_.mask = item.mask;
-    if (current_.color || item.color) current_.color = item.color;
+    current_.mask = item.mask.get();
+    current_.maskPixels = item.maskPixels;
+    current_.maskStride = item.maskStride;
+    current_.color = item.color.get();
 }
 
 const StampImages& StampMaker::make(const StampPoint& quantized) {
-    const bool cached = cacheEnabled_ && lease_.cache();
-    const std::uint64_t key = cached ? stampKey(quantized) : 0;
-    if (cached && !wants(StampColors::Fresh) && takeFromCache(quantized, key)) return current_;
+    const bool cached = keepsImages();
+    const StampKey key = cached ? placedStampKey(quantized) : StampKey();
+    if (cached && !wants(StampColors::Fresh) && takeFromCache(key)) return current_;
     const StampFrame frame = stampFrame(quantized);
-    current_ = {frame.box, frame.box, {}, {}};
+    current_ = {frame.box, frame.box};
     if (frame.box.isEmpty()) return current_;
     Job job;
     if (cached) {
         // Scales out of range may share a key with a stamp of another size.
-        if (!takeFromCache(quantized, key) || current_.box != frame.box)
-            makeForCache(frame, quantized, key);
+        if (!takeFromCache(key) || current_.box != frame.box) makeForCache(frame, quantized, key);
     } else if (prepareMask(frame, quantized, scratchMask_, job)) {
-        current_.mask = scratchMask_;
+        current_.mask = scratchMask_.get();
+        current_.maskPixels = job.mask.pixels;
+        current_.maskStride = job.mask.rowBytes;
         if (wants(StampColors::Kept) && prepareColor(frame, quantized, scratchColor_, job))
-            current_.color = scratchColor_;
+            current_.color = scratchColor_.get();
     }
     if (wants(StampColors::Fresh) && prepareColor(frame, quantized, scratchColor_, job))
-        current_.color = scratchColor_;
+        current_.color = scratchColor_.get();
     if (job.mask.pixels || job.color.pixels)
         StampBands(frame.box.nx, frame.box.ny).run([&job](StampBands::Band band) {
             job.makeRows(band);

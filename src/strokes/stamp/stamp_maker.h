@@ -23,12 +23,15 @@
 namespace brushwork::npc {
 
 // Pixel (0, 0) of both images lies at the corner of the box; columns beyond the box are 0. Only
-// read, unless the colours are StampColors::Fresh.
+// read, unless the colours are StampColors::Fresh. Borrowed; who holds images of the cache keeps
+// them.
 struct StampImages {
-    ilTile box;                // of the layer, as large as the stamp
-    ilTile inked;              // the part outside of which the mask is 0; may be empty
-    Ref<ilSPMemoryImg> mask;   // 1 channel, a width that is a multiple of 16; null: can't be made
-    Ref<ilSPMemoryImg> color;  // 4 channels, a width that is a multiple of 4; or null
+    ilTile box;                     // of the layer, as large as the stamp
+    ilTile inked;                   // the part outside of which the mask is 0; may be empty
+    ilSPMemoryImg* mask = nullptr;  // 1 channel, width a multiple of 16; null: can't be made
+    std::uint8_t* maskPixels = nullptr;
+    std::int32_t maskStride = 0;     // bytes from row to row, as many as the mask has columns
+    ilSPMemoryImg* color = nullptr;  // 4 channels, width a multiple of 4; or null
 };
 
 class StampMaker {
@@ -42,6 +45,8 @@ class StampMaker {
     // Off: made into the same two images each time.
     void setCacheEnabled(bool on) { cacheEnabled_ = on; }
     [[nodiscard]] bool cacheEnabled() const { return cacheEnabled_; }
+    // Whether stamps stay as they are for who holds their images. (Fresh colours don't.)
+    [[nodiscard]] bool keepsImages() const { return cacheEnabled_ && lease_.cache(); }
 
     // The brush whose stamps are made from now on; what other brushes left in the cache goes. (An
     // image of the tip that is replaced later is noticed.)
@@ -51,8 +56,8 @@ class StampMaker {
     [[nodiscard]] StampPoint quantized(const StampPoint& point) const {
         return quantizedStamp(point, tip_.rounding());
     }
-    // Of a quantised point. The images stay as they are until the next stamp, those from the cache
-    // as long as they are held.
+    // Of a quantised point. The images stay as they are until the next stamp or a change of the
+    // cache, those from the cache as long as they are held.
     const StampImages& make(const StampPoint& quantized);
     // The tables of the tip's images and the hold on the last stamp.
     void freeTables();
@@ -62,8 +67,8 @@ class StampMaker {
     [[nodiscard]] bool wants(StampColors colors) const;
     void refreshLease();
     void show(const StampImageCacheItem& item, std::int32_t x, std::int32_t y);
-    bool takeFromCache(const StampPoint& point, std::uint64_t key);
-    void makeForCache(const StampFrame& frame, const StampPoint& point, std::uint64_t key);
+    bool takeFromCache(const StampKey& key);
+    void makeForCache(const StampFrame& frame, const StampPoint& point, const StampKey& key);
     bool prepareMask(const StampFrame& frame, const StampPoint& point, Ref<ilSPMemoryImg>& mask,
                      Job& job);
     bool prepareColor(const StampFrame& frame, const StampPoint& point, Ref<ilSPMemoryImg>& color,
@@ -75,6 +80,7 @@ class StampMaker {
     StampMaskTable maskTable_;
     PaddedTable shapeTable_, colorTable_;
     Ref<ilSPMemoryImg> scratchMask_, scratchColor_;
+    Ref<StampImageCacheItem> made_;  // the last one; it may be too large for the cache
     StampImages current_;
 };
 

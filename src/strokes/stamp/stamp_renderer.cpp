@@ -6,14 +6,13 @@
 namespace brushwork::npc {
 
 StampRenderer::StampRenderer(ilImage* high, ilImage* low)
-    : brush_(BrushParameters::defaults()),
-      stamp_(makeRef<Stamp>()),
-      high_(high),
-      low_(low),
-      color_(packedColor(brush_.color)),
-      maker_(makeRef<StampImageCache>()) {}
+    : stamp_(makeRef<Stamp>()), high_(high), low_(low), maker_(makeRef<StampImageCache>()) {
+    takeBrush(BrushParameters::defaults());
+}
 
-StampRenderer::~StampRenderer() = default;
+StampRenderer::~StampRenderer() {
+    layWaiting();
+}
 
 void StampRenderer::begin(BlendModeId mode) {
     if (begun_) return;
@@ -25,16 +24,18 @@ void StampRenderer::begin(BlendModeId mode) {
     blender_->setThreaded(true);
     // The canvas is read between the stamps of a brush that drags it.
     if (!brush_.smearEnabled) blender_->holdPages();
+    bound_ = {};
     bindTargets();
+    blender_->setLockAlpha(lockAlpha_);
     setModeParameters(*blender_, brush_);
     stamp_->setShapeObject(brush_.shapeObject);
     stamp_->setColorObject(brush_.colorObject);
-    color_ = packedColor(brush_.color);
     began();
 }
 
 void StampRenderer::end() {
     if (!begun_) return;
+    layWaiting();
     ending();
     maker_.freeTables();
     blender_->reset();
@@ -48,14 +49,11 @@ void StampRenderer::bindTargets() {
 }
 
 StampPoint StampRenderer::quantized(const StampPoint& point) const {
-    return quantizedStamp(point, {hardness(), brush_.proceduralTip, brush_.smearEnabled});
+    return quantizedStamp(point, growth_);
 }
 
 ilTile StampRenderer::renderPoint(const StampPoint& point) {
-    stamp_->beginChanges();
-    stamp_->setRadius(clampedStampRadius(point.radius));
-    stamp_->setOpacity(point.opacity);
-    stamp_->endChanges();
+    stamp_->setRadiusAndOpacity(clampedStampRadius(point.radius), point.opacity);
     return renderStamp(quantized(point));
 }
 
@@ -64,24 +62,63 @@ ilTile StampRenderer::renderStamp(const StampPoint& stamp) {
     refreshTip();
     const StampImages& images = maker_.make(stamp);
     if (!images.mask) return {};
-    ilSPMemoryImg* const mask = texture_.apply(brush_, images, stamp.textureStrength);
-    blender_->setPlainMask(mask->data(), mask->sizeX(), images.box.x, images.box.y);
-    bindSource(*blender_, source_, images, color_);
-    setStampValues(*blender_, stamp);
-    blender_->setLockAlpha(lockAlpha_);
+    if (mayWait(images)) {
+        if (batch_.isFull()) layWaiting();
+        batch_.add({images, stamp});
+    } else {
+        layWaiting();
+        lay(images, stamp);
+    }
+    return images.box;
+}
+
+// Where nothing else reads the target before the end, nor writes to what the stamp is laid with.
+bool StampRenderer::mayWait(const StampImages& images) const {
+    return StampBatch::isWorthIt(images) && !carriesPaint(blendMode_) && !brush_.smearEnabled &&
+           maker_.keepsImages() && !source_.isGiven() && !hasTexture(brush_) && high_ &&
+           high_->imageKind() == KindSmart && (!low_ || low_->imageKind() == KindSmart);
+}
+
+// One alone is shared by the blender itself.
+void StampRenderer::layWaiting() {
+    if (batch_.count() == 0) return;
+    if (batch_.count() == 1)
+        lay(batch_.stamp(0).images, batch_.stamp(0).point);
+    else
+        batch_.lay({high_.get(), low_.get(), blendMode_, &brush_, color_, lockAlpha_});
+    batch_.clear();
+}
+
+void StampRenderer::lay(const StampImages& images, const StampPoint& stamp) {
+    const bool textured = hasTexture(brush_);
+    std::uint8_t* const mask = textured
+                                   ? texture_.apply(brush_, images, stamp.textureStrength)->data()
+                                   : images.maskPixels;
+    blender_->setPlainMask(mask, images.maskStride, images.box.x, images.box.y);
+    bindFor(images, stamp);
     if (carriesPaint(blendMode_)) {
         blender_->run(images.box);
     } else {
         // A mask of its own is 0 up to the end of its rows. Pixels of a locked alpha are fitted to
         // it also where the mask is 0.
         ilTile room = images.inked;
-        if (mask == images.mask && !lockAlpha_) {
+        if (!textured && !lockAlpha_) {
             room.x = images.box.x;
-            room.nx = mask->sizeX();
+            room.nx = images.maskStride;
         }
         blender_->run(images.inked, room);
     }
-    return images.box;
+}
+
+// What stays from stamp to stamp is bound once.
+void StampRenderer::bindFor(const StampImages& images, const StampPoint& stamp) {
+    const bool constant = !images.color && !source_.isGiven();
+    if (!constant || !bound_.constantSource) bindSource(*blender_, source_, images, color_);
+    bound_.constantSource = constant;
+    if (stamp.opacity == bound_.opacity && stamp.flow == bound_.flow) return;
+    setStampValues(*blender_, stamp);
+    bound_.opacity = stamp.opacity;
+    bound_.flow = stamp.flow;
 }
 
 // The maker drops what it keeps when the brush changes, so it is told only then.
@@ -99,11 +136,16 @@ void StampRenderer::refreshTip() {
 void StampRenderer::setParameters(const BrushParameters* brush) {
     const bool again = begun_;
     end();
-    brush_ = brush ? *brush : BrushParameters::defaults();
-    color_ = packedColor(brush_.color);
-    tipChanged_ = true;
+    takeBrush(brush ? *brush : BrushParameters::defaults());
     paramsChanged();
     if (again) begin(blendMode_);
+}
+
+void StampRenderer::takeBrush(const BrushParameters& brush) {
+    brush_ = brush;
+    color_ = packedColor(brush_.color);
+    growth_ = radiusGrowth({hardness(), brush_.proceduralTip, brush_.smearEnabled});
+    tipChanged_ = true;
 }
 
 void StampRenderer::setColor(const std::array<float, 4>& color) {
@@ -114,15 +156,25 @@ void StampRenderer::setColor(const std::array<float, 4>& color) {
 
 void StampRenderer::setSource(ilImage* high, ilImage* low, bool pinned, std::int32_t x,
                               std::int32_t y) {
+    layWaiting();
     const auto place = pinned ? StampSource::Place::Layer : StampSource::Place::Corner;
     source_ = {Ref<ilImage>(high), Ref<ilImage>(low), place, x, y};
 }
 
 void StampRenderer::setCarriedSource(ilImage* high, ilImage* low) {
+    layWaiting();
     source_ = {Ref<ilImage>(high), Ref<ilImage>(low), StampSource::Place::Middle, 0, 0};
 }
 
+void StampRenderer::setLockAlpha(bool on) {
+    if (on == lockAlpha_) return;
+    layWaiting();
+    lockAlpha_ = on;
+    if (begun_) blender_->setLockAlpha(on);
+}
+
 void StampRenderer::setTargets(ilImage* high, ilImage* low) {
+    layWaiting();
     high_ = Ref<ilImage>(high);
     low_ = Ref<ilImage>(low);
     if (begun_) bindTargets();

@@ -11,9 +11,11 @@
 #pragma once
 
 #include <cstdint>
+#include <limits>
 #include <memory>
 #include <utility>
 
+#include "strokes/stamp/stamp_batch.h"
 #include "strokes/stamp/stamp_binding.h"
 #include "strokes/stamp/stamp_maker.h"
 #include "strokes/tip/stamp.h"
@@ -42,8 +44,8 @@ class StampRenderer {
     virtual ilTile renderStamp(const StampPoint& stamp);
 
     // Does nothing while begun, and for a number that is no mode. From begin to end the targets are
-    // this renderer's: stamps show in their pixels at once, but who copies them or shares their
-    // pages waits for the end. (With a brush that drags the canvas this doesn't hold.)
+    // this renderer's: stamps show in their pixels by the end, and who copies them or shares their
+    // pages waits for it. (With a brush that drags the canvas they show at once.)
     void begin(BlendModeId mode);
     void end();
     [[nodiscard]] bool begun() const { return begun_; }
@@ -74,7 +76,7 @@ class StampRenderer {
     [[nodiscard]] const Ref<ilImage>& highTarget() const { return high_; }
     [[nodiscard]] const Ref<ilImage>& lowTarget() const { return low_; }
     // The target keeps its alpha.
-    void setLockAlpha(bool on) { lockAlpha_ = on; }
+    void setLockAlpha(bool on);
     [[nodiscard]] bool lockAlpha() const { return lockAlpha_; }
 
     // To share one among the renderers of a document; null is ignored.
@@ -88,22 +90,35 @@ class StampRenderer {
     [[nodiscard]] const Ref<Stamp>& stamp() const { return stamp_; }
 
   private:
+    [[nodiscard]] bool mayWait(const StampImages& images) const;
+    void lay(const StampImages& images, const StampPoint& stamp);
+    void bindFor(const StampImages& images, const StampPoint& stamp);
+    void layWaiting();
     void bindTargets();
     void refreshTip();
+    void takeBrush(const BrushParameters& brush);
 
     BlendModeId blendMode_ = BlendModeId::Normal;
     std::shared_ptr<GenericBlender> blender_;  // null unless begun
     // The last one, without images: a pen's next point needs the same.
     std::shared_ptr<GenericBlender> spare_;
+    // What the last stamp left in the blender.
+    struct Bound {
+        bool constantSource = false;
+        float opacity = std::numeric_limits<float>::quiet_NaN();  // none
+        float flow = std::numeric_limits<float>::quiet_NaN();
+    } bound_;
     BrushParameters brush_;
     Ref<Stamp> stamp_;
     Ref<ilImage> high_, low_;
     std::uint32_t color_ = 0;  // packed
+    float growth_ = 1.0f;      // of radii
     bool lockAlpha_ = false;
     StampSource source_;
     StampMaker maker_;
     bool tipChanged_ = true;  // since the maker was told
     TextureMask texture_;
+    StampBatch batch_;
     bool begun_ = false;
 };
 

@@ -28,11 +28,6 @@ StampIdentity StampTip::identity() const {
     return identity;
 }
 
-bool StampTip::differsFrom(const StampIdentity& identity) const {
-    return identity.shapeRevision != revisionOf(shape) ||
-           identity.colorRevision != revisionOf(color);
-}
-
 StampTip stampTipOf(const BrushParameters& brush, StampColors colors) {
     StampTip tip;
     tip.hardness = brush.solidShare();

@@ -37,7 +37,10 @@ struct StampTip {
     // As the images are now.
     [[nodiscard]] StampIdentity identity() const;
     // One of the images was replaced since that identity was taken.
-    [[nodiscard]] bool differsFrom(const StampIdentity& identity) const;
+    [[nodiscard]] bool differsFrom(const StampIdentity& identity) const {
+        return (shape && shape->revision() != identity.shapeRevision) ||
+               (color && color->revision() != identity.colorRevision);
+    }
 };
 
 [[nodiscard]] StampTip stampTipOf(const BrushParameters& brush, StampColors colors);

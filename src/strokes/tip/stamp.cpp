@@ -196,6 +196,13 @@ void Stamp::setOpacityFlow(float opacity, float flow, bool link) {
     if (otherOpacity || otherFlow || otherLink) change(StampChange::Opacity);
 }
 
+void Stamp::setRadiusAndOpacity(float radius, float opacity) {
+    beginChanges();
+    setRadius(radius);
+    setOpacity(opacity);
+    endChanges();
+}
+
 void Stamp::resetMatrix() {
     values_.matrix = Values{}.matrix;
     change(StampChange::Matrix);

@@ -90,6 +90,8 @@ class Stamp final : public Resource, public Observable, public Observer {
     // Clamped to 0..1, held in steps of 1/256 while quantize() is on. Clears the link.
     void setOpacity(float opacity);
     void setOpacityFlow(float opacity, float flow, bool link);
+    // Both in one batch.
+    void setRadiusAndOpacity(float radius, float opacity);
     void resetMatrix();
     // All values and sources of another, rounded; tells All.
     void assign(const Stamp& other);

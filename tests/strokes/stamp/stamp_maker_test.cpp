@@ -28,7 +28,7 @@ Ref<ImagePaintObj> ladderOf(const Ref<ilSPMemoryImg>& image) {
     return makeRef<ImagePaintObj>(image, ImagePaintObj::Levels::Reduced);
 }
 
-std::vector<std::uint8_t> bytesOf(const Ref<ilSPMemoryImg>& image) {
+std::vector<std::uint8_t> bytesOf(ilSPMemoryImg* image) {
     if (!image) return {};
     return {image->data(), image->data() + image->byteSize()};
 }

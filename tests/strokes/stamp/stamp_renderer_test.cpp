@@ -47,8 +47,8 @@ struct Planes {
     }
 };
 
-// Stamps in a row keep the pages of the one before and fill whole vectors around small masks; a
-// stamp alone does neither.
+// Stamps in a row keep the pages of the one before, fill whole vectors around small masks and are
+// laid together where they are large; a stamp alone does none of it.
 TEST(StampRenderer, StampsInARowAreThoseOfStampsAlone) {
     const unsigned seed = test::testSeed();
     SCOPED_TRACE("seed " + std::to_string(seed));
@@ -82,6 +82,7 @@ TEST(StampRenderer, StampsInARowAreThoseOfStampsAlone) {
                     point.x += between(-2.0f, 3.0f);
                     point.y += between(-2.0f, 3.0f);
                     point.radius = n % 16 == 15 ? 30.0f : between(0.25f, 9.0f);
+                    if (n % 64 >= 52) point.radius = between(25.0f, 60.0f);
                     point.opacity = between(0.2f, 1.1f);
                     point.flow = 0.9f;
                     point.scaleY = between(0.3f, 1.0f);
