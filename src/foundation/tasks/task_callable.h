@@ -15,9 +15,12 @@ namespace brushwork::npc {
 class TaskCallable {
   public:
     static constexpr std::size_t room = 8 * sizeof(void*);
+    // Not that of std::max_align_t: for 32-bit Windows it depends on the headers included before,
+    // and files would disagree about the size of a task.
+    static constexpr std::size_t alignment = 2 * sizeof(void*);
 
     template <class F>
-    static constexpr bool fits = sizeof(F) <= room && alignof(F) <= alignof(std::max_align_t);
+    static constexpr bool fits = sizeof(F) <= room && alignof(F) <= alignment;
 
     template <class F>
     requires(!std::is_same_v<std::remove_cvref_t<F>, TaskCallable>) explicit TaskCallable(
@@ -62,7 +65,7 @@ class TaskCallable {
             call.~F();
     }
 
-    alignas(std::max_align_t) std::byte bytes_[room];
+    alignas(alignment) std::byte bytes_[room];
     void (*use_)(void* bytes, Use what) = nullptr;
 };
 
