@@ -70,6 +70,7 @@ class StampRenderer {
     [[nodiscard]] const StampSource& source() const { return source_; }
     // Another one for a while: the present one comes back.
     [[nodiscard]] StampSource exchangeSource(StampSource source) {
+        layWaiting();
         return std::exchange(source_, std::move(source));
     }
     void setTargets(ilImage* high, ilImage* low);
