@@ -15,6 +15,10 @@ Ref<ilSmartImage> newEffectiveScratch() {
     return scratch();
 }
 
+void setEffectiveScratch(const Ref<ilSmartImage>& image) {
+    scratch() = image;
+}
+
 void dropEffectiveScratch() {
     scratch().reset();
 }

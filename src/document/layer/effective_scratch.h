@@ -8,6 +8,8 @@ namespace brushwork {
 
 // A blank one of four channels; the former is gone but for who holds it. Document's thread only.
 [[nodiscard]] Ref<ilSmartImage> newEffectiveScratch();
+// That one in its place.
+void setEffectiveScratch(const Ref<ilSmartImage>& image);
 void dropEffectiveScratch();
 
 }  // namespace brushwork

@@ -272,6 +272,9 @@ class Layer : public Resource {
         float overlayOpacity = 1.0f;
     };
     void drawSteps(PaintOps& target, const Drawing& drawing);
+    // All of it in a new image, whatever the drawing's box. Where the colour covers what nobody has
+    // painted, so does the image: its fill is what the steps make of that.
+    [[nodiscard]] Ref<ilSmartImage> drawWhole(const Drawing& drawing);
     // As this layer draws itself at the moment, with `opacity` as its own.
     [[nodiscard]] Drawing drawing(const ilTile& box, float opacity);
 

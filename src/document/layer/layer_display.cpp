@@ -1,5 +1,4 @@
 // Layer: placed copies for display, the levels that they are made from, and the pivot.
-#include "blending/paint/soft_paint_ops.h"
 #include "document/layer/layer.h"
 #include "document/layer/layer_boxes.h"
 
@@ -15,12 +14,7 @@ Ref<ilImage> shownImage(Layer& layer) {
         layer.refreshClip();
         if (layer.isEmptyMask() && color->channels() == 4) return color;
     }
-    const Ref<ilSmartImage> image(new ilSmartImage(ilPixel(TypeUChar, 4)));
-    const Ref<PaintOps> ops(new SoftPaintOps(image.get()));
-    ilTile box;
-    layer.contentBounds(box, false);
-    layer.drawSteps(*ops, layer.drawing(box, 1.0f));
-    return image;
+    return layer.drawWhole(layer.drawing({}, 1.0f));
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 // The steps by which a layer is drawn, and the effective image that they make.
 #include "blending/paint/soft_paint_ops.h"
+#include "document/layer/changed_area.h"
 #include "document/layer/effective_scratch.h"
 #include "document/layer/layer.h"
 #include "document/layer/layer_boxes.h"
@@ -67,6 +68,28 @@ void Layer::drawSteps(PaintOps& target, const Drawing& drawing) {
     keepInside(target, clippedPart(images_.clip.get(), box), images_.clip.get());
 }
 
+Ref<ilSmartImage> Layer::drawWhole(const Drawing& drawing) {
+    if (role_ == LayerRole::Paint) refreshClip();
+    Drawing steps = drawing;
+    steps.box = boundsOf(drawing.color);
+    ilPixel ground(TypeUChar, 4);
+    const bool covers = drawing.color && coversGround(*drawing.color);
+    if (covers) {
+        steps.box = unionOf(steps.box, boundsOf(drawing.stencil));
+        steps.box = unionOf(steps.box, boundsOf(images_.clip.get()));
+        Drawing beyond = steps;
+        beyond.box = flatTile(steps.box.endX(), steps.box.endY(), 1, 1);
+        const Ref<ilSmartImage> one(new ilSmartImage(ground));
+        drawSteps(*Ref<SoftPaintOps>(new SoftPaintOps(one.get())), beyond);
+        one->readPixel(beyond.box.x, beyond.box.y, 0, ground);
+    }
+    Ref<ilSmartImage> image(new ilSmartImage(ground));
+    drawSteps(*Ref<SoftPaintOps>(new SoftPaintOps(image.get())), steps);
+    // Not those of the pages that it was painted on: corners are where the colour's are.
+    if (!covers) image->setBounds(steps.box);
+    return image;
+}
+
 Layer::Drawing Layer::drawing(const ilTile& box, float opacity) {
     Drawing drawing;
     drawing.box = box;
@@ -80,10 +103,14 @@ Layer::Drawing Layer::drawing(const ilTile& box, float opacity) {
 }
 
 Ref<ilImage> Layer::renderEffective(const ilTile* box, ilImage* stencilOverride, bool inherited) {
-    const Ref<ilSmartImage> scratch = newEffectiveScratch();
     Drawing steps = drawing(box ? *box : ilTile{}, inherited ? inheritedOpacity() : opacity_);
-    if (!box) steps.box = boundsOf(steps.color);
     if (stencilOverride) steps.stencil = stencilOverride;
+    if (!box) {
+        const Ref<ilSmartImage> whole = drawWhole(steps);
+        setEffectiveScratch(whole);
+        return whole;
+    }
+    const Ref<ilSmartImage> scratch = newEffectiveScratch();
     const Ref<SoftPaintOps> painter(new SoftPaintOps(scratch.get()));
     drawSteps(*painter, steps);
     return scratch;

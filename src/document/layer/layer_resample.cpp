@@ -56,7 +56,15 @@ enum class Edges { Exact, Rounded };
 // (exactX, exactY): where the old pixel (0, 0) comes to lie.
 std::optional<Resampled> resampled(const Original& original, const Placing& placing,
                                    SampleMode quality, double exactX, double exactY, Edges edges) {
+    ilTile held;
+    if (original.stencil) {
+        original.stencil->shrinkBounds(true);
+        held = boundsOf(original.stencil);
+    }
     ilTile box = placedBox(placing, quality);
+    // Beyond the picture a stencil has only that to attenuate which covers all.
+    if (coversGround(*original.color))
+        box = unionOf(box, placedBox(placingOf(placing, held), quality));
     if (edges == Edges::Rounded) box = roundedOutward(box);
     Resampled result;
     result.color = placedCopy(*original.color, placing, quality, box);
@@ -66,14 +74,10 @@ std::optional<Resampled> resampled(const Original& original, const Placing& plac
     else
         result.color->shrinkBounds();
     if (original.stencil) {
-        original.stencil->shrinkBounds(true);
-        const ilTile content = boundsOf(original.stencil);
-        // Over no more than the picture: beyond it a stencil has nothing to attenuate.
-        if (content.isEmpty())
+        if (held.isEmpty())
             result.stencil = Ref<ilSmartImage>(new ilSmartImage(original.stencil->fill()));
         else
-            result.stencil =
-                placedCopy(*original.stencil, placingOf(placing, content), quality, box);
+            result.stencil = placedCopy(*original.stencil, placingOf(placing, held), quality, box);
         if (!result.stencil) return std::nullopt;
         result.stencil->shrinkBounds(true);
     }
@@ -215,7 +219,8 @@ Ref<ilSmartImage> Layer::applyTransformRecord(ilSmartImage& source, const Transf
         if (y) *y = static_cast<float>(fromY);
         return source.clone();
     }
-    const ilTile content = boundsOf(&source);
+    // Corners are the picture's, however far a stencil reaches beyond it.
+    const ilTile content = boundsOf(record.movesCorners() ? colorImageRef() : &source);
     if (content.isEmpty()) return source.clone();
     const auto placing = placingByRecord(record, content, fromX, fromY);
     if (!placing) return {};

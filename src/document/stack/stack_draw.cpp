@@ -365,6 +365,7 @@ Ref<ilSmartImage> composeToImage(StackParts& stack, std::int32_t id, std::int32_
     layer->refreshClip();
     ilTile box;
     layer->contentBounds(box, true);
+    if (coversGround(*layer)) box = unionOf(box, stack.plane.canvasBounds);
     if (clipToCanvas) box = intersection(box, stack.plane.canvasBounds);
     const Ref<ilSmartImage> image(
         new ilSmartImage(ilPixel(TypeUChar, layer->role() == LayerRole::Paint ? 4 : 1)));

@@ -43,7 +43,8 @@ void gatherVisible(const LayerChain& chain, float opacity, std::vector<Layer*>& 
 // The layers whose flags meet the mask, in order, on a new image; bit 0x8000 asks for the
 // background first.
 [[nodiscard]] Ref<ilSmartImage> compositeByFlags(StackParts& stack, std::uint32_t flagMask);
-// One layer with stencil, and selection where asked, as a new image; its place goes to (x, y).
+// One layer with stencil, and selection where asked, as a new image; its place goes to (x, y). Of a
+// layer that covers what nobody has painted, all that the canvas shows.
 [[nodiscard]] Ref<ilSmartImage> composeToImage(StackParts& stack, std::int32_t id, std::int32_t* x,
                                                std::int32_t* y, bool clipToCanvas,
                                                bool withSelection, bool withOpacity);

@@ -92,6 +92,36 @@ TEST(LayerEffective, DrawsTheStepsOfAPlainModel) {
     }
 }
 
+// Without a box nothing that a box would show is left out, wherever it lies.
+TEST(LayerEffective, CoversWhatItsColourCovers) {
+    for (unsigned seed = 0; seed < 100; ++seed) {
+        SCOPED_TRACE("seed " + std::to_string(seed));
+        Dice dice(seed);
+        const auto role = static_cast<LayerRole>(pick(dice, 0, 2));
+        const Ref<ilSmartImage> color = blank(role == LayerRole::Paint ? 4 : 1, 90);
+        if (pick(dice, 0, 2) > 0) paintNoise(*color, anyBox(dice), dice);
+        const Ref<Layer> layer = makeLayer(role, color, 3.0f, -4.0f);
+        if (pick(dice, 0, 1) == 0) paintNoise(*layer->stencilImage(), anyBox(dice), dice);
+        const Ref<Layer> above = makeLayer(
+            LayerRole::Stencil, noise(1, anyBox(dice), dice, pick(dice, 0, 1) == 0 ? 60 : 0));
+        if (pick(dice, 0, 1) == 0) link({layer, above});
+        layer->setOpacity(pick(dice, 0, 1) == 0 ? 0.6f : 1.0f);
+        const auto wanted = bytesOf(layer->renderEffective(&frame, nullptr, true).get());
+        const Ref<ilImage> all = layer->renderEffective(nullptr, nullptr, true);
+        ASSERT_EQ(difference(bytesOf(all.get()), wanted, 4), "");
+        // Placed copies leave the opacity to who shows them.
+        layer->setOpacity(1.0f);
+        const auto opaque = bytesOf(layer->renderEffective(&frame, nullptr, true).get());
+        std::int32_t x = 0;
+        std::int32_t y = 0;
+        const Ref<ilImage> placed = layer->renderTransformed(TransformRecord(), &x, &y);
+        if (role == LayerRole::Paint || boxOf(placed.get()).nx > 0) {
+            ASSERT_EQ(difference(bytesOf(placed.get()), opaque, 4), "");
+        }
+        ASSERT_EQ(std::pair(x, y), std::pair(3, -4));
+    }
+}
+
 TEST(LayerEffective, IsTheColourItselfWhereNothingAttenuates) {
     Dice dice(1);
     const ilTile box = flatTile(0, 0, 60, 60);
