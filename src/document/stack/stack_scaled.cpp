@@ -3,6 +3,8 @@
 #include <algorithm>
 
 #include "blending/paint/soft_paint_ops.h"
+#include "document/layer/changed_area.h"
+#include "document/layer/layer_boxes.h"
 #include "document/layer/placed_copy.h"
 #include "document/stack/blend_run.h"
 #include "document/stack/host_view.h"
@@ -33,9 +35,13 @@ TransformRecord seenThrough(const TransformRecord& record, const TransformRecord
     return seen;
 }
 
+// A stencil shows in what it clips.
 bool isTransformed(const StackParts& stack, Layer& outer) {
     return std::any_of(stack.transform.ids.begin(), stack.transform.ids.end(),
-                       [&](std::int32_t id) { return outermost(layerById(stack, id)) == &outer; });
+                       [&](std::int32_t id) {
+                           Layer* const layer = outermost(layerById(stack, id));
+                           return layer && layer->baseLayer() == &outer;
+                       });
 }
 
 bool isWhollyTransformed(const StackParts& stack, const Layer& layer) {
@@ -55,18 +61,43 @@ Ref<ilSmartImage> composite(StackParts& stack, Layer* from, const Layer* to, boo
     return image;
 }
 
-// Its corner goes to (x, y).
-Ref<ilImage> placed(ilSmartImage& image, const TransformRecord& record, SampleMode mode,
-                    std::int32_t& x, std::int32_t& y) {
+// Pixel (0, 0) of the image lies at (x, y), to which the corner of the placed one goes.
+Ref<ilSmartImage> placed(ilSmartImage& image, const TransformRecord& record, SampleMode mode,
+                         std::int32_t& x, std::int32_t& y) {
     ilTile box;
     image.bounds(box);
     if (box.isEmpty()) return {};
-    const auto placing = placingByRecord(record, box, 0.0, 0.0);
+    const auto placing = placingByRecord(record, box, x, y);
     if (!placing) return {};
     const ilTile target = placedBox(*placing, mode);
     x = target.x;
     y = target.y;
     return placedCopy(image, *placing, mode, target);
+}
+
+// A paint or stencil layer alone, as one of the display's pixels. Null for what has none.
+Ref<Layer> onDisplay(Layer& layer, const TransformRecord& record) {
+    std::int32_t x = 0;
+    std::int32_t y = 0;
+    Ref<ilImage> image;
+    if (layer.role() == LayerRole::Paint) {
+        const Ref<Layer> alone = layer.clone();
+        alone->markClipDirty();
+        image = alone->renderTransformed(record, &x, &y);
+    } else if (ilSmartImage* const held = layer.isStencil() ? layer.smartColor() : nullptr) {
+        layer.offsetInt(&x, &y);
+        if (boundsOf(held).isEmpty())
+            image = Ref<ilImage>(held);
+        else
+            image = placed(*held, record, SampleMode::Bilinear, x, y);
+    }
+    if (!image) return {};
+    Ref<Layer> copy(new Layer(image.get(), nullptr, layer.role(), Layer::plainFlags,
+                              static_cast<float>(x), static_cast<float>(y), layer.name()));
+    copy->setOpacity(layer.opacity());
+    copy->setVisible(layer.visible());
+    copy->setStencilActive(layer.stencilActive());
+    return copy;
 }
 
 void show(ilSPMemoryImg& target, ilImage* image, std::int32_t x, std::int32_t y, std::int32_t mode,
@@ -83,15 +114,15 @@ class Frame {
           view_(viewRecord(stack, hostViewOf(stack))),
           moved_(seenThrough(stack.transform.record, view_)) {}
 
-    // A group is drawn as one; where only some of its members move, or corners move, which each
-    // member has of its own, it is put together from them.
-    void add(ilSPMemoryImg& target, Layer& layer, bool isMoved) {
+    // A group is drawn as one; where its members don't move alike, or corners move, which each has
+    // of its own, or its picture doesn't end, it is put together from them. Shapes stay.
+    void add(ilSPMemoryImg& target, Layer& layer, bool groupMoves) {
         if (!layer.isDrawable()) return;
-        isMoved = isMoved || isWhollyTransformed(stack_, layer);
+        const bool isMoved = moves(layer, groupMoves);
         LayerGroup* const group = layer.asGroup();
         if (group && group->LayerGroup::isPassThrough()) {
             group->eachMember([&](Layer& member) { add(target, member, isMoved); });
-        } else if (group && (isMoved ? moved_.movesCorners() : holdsTransformed(*group))) {
+        } else if (group && isPutTogether(*group, isMoved)) {
             const Ref<ilSPMemoryImg> picture(
                 new ilSPMemoryImg(target.sizeX(), target.sizeY(), target.channels()));
             if (!picture->data()) return;
@@ -101,12 +132,49 @@ class Frame {
         } else {
             std::int32_t x = 0;
             std::int32_t y = 0;
-            const Ref<ilImage> image = layer.renderTransformed(isMoved ? moved_ : view_, &x, &y);
+            const Ref<ilImage> image =
+                isClippedApart(layer, groupMoves)
+                    ? clippedOnDisplay(target.box(), layer, groupMoves, x, y)
+                    : layer.renderTransformed(isMoved ? moved_ : view_, &x, &y);
             show(target, image.get(), x, y, layer.blendMode(), layer.inheritedOpacity());
         }
     }
 
   private:
+    [[nodiscard]] bool moves(const Layer& layer, bool groupMoves) const {
+        return (groupMoves || isWhollyTransformed(stack_, layer)) && !layer.holdsShapes();
+    }
+    // Stencils above the layer move and it doesn't, or the other way round, or each by its corners.
+    [[nodiscard]] bool isClippedApart(const Layer& layer, bool groupMoves) const {
+        const bool isMoved = moves(layer, groupMoves);
+        const Layer* above = layer.next.get();
+        for (; above && above->role() != LayerRole::Paint; above = above->next.get())
+            if (above->isStencil() &&
+                (moves(*above, groupMoves) != isMoved || (isMoved && moved_.movesCorners())))
+                return true;
+        return false;
+    }
+    // Layer and stencils, each where it goes on the display, as layers of their own there.
+    [[nodiscard]] Ref<ilImage> clippedOnDisplay(const ilTile& display, Layer& layer,
+                                                bool groupMoves, std::int32_t& x,
+                                                std::int32_t& y) const {
+        LayerChain shown;
+        for (Layer* step = &layer; step && (step == &layer || step->role() != LayerRole::Paint);
+             step = step->next.get())
+            if (const Ref<Layer> copy = onDisplay(*step, moves(*step, groupMoves) ? moved_ : view_))
+                shown.insertAbove(*copy, shown.last);
+        Layer* const base = shown.first.get();
+        if (!base || base->role() != LayerRole::Paint) return {};
+        base->offsetInt(&x, &y);
+        return base->wetComposite(moved(display, -x, -y), &x, &y);
+    }
+    [[nodiscard]] bool isPutTogether(LayerGroup& group, bool isMoved) const {
+        if (coversGround(group)) return true;
+        return isMoved ? moved_.movesCorners() || holdsShapes(group) : holdsTransformed(group);
+    }
+    static bool holdsShapes(LayerGroup& group) {
+        return !eachLayer(group.children(), [](Layer& layer) { return !layer.holdsShapes(); });
+    }
     [[nodiscard]] bool holdsTransformed(const LayerGroup& group) const {
         return std::any_of(stack_.transform.ids.begin(), stack_.transform.ids.end(),
                            [&](std::int32_t id) { return standsIn(layerById(stack_, id), group); });

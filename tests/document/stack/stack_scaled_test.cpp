@@ -6,6 +6,7 @@
 #include <cstdlib>
 
 #include "document/layer/layer_recipe.h"
+#include "document/layer/shape_layer.h"
 #include "document/stack/naive_compositor.h"
 #include "document/stack/view_host.h"
 #include "support/test_seed.h"
@@ -25,7 +26,7 @@ class ScaledFrames : public testing::Test {
     }
 
     void addBoxes(Dice& dice, LayerGroup* group) {
-        const Ref<ilSmartImage> image = blank(4);
+        const Ref<ilSmartImage> image = blank(4, pick(dice, 0, 7) == 0 ? 60 : 0);
         for (int n = pick(dice, 1, 3); n > 0; --n) {
             const auto alpha = static_cast<std::uint8_t>(pick(dice, 60, 255));
             const auto part = [&] { return static_cast<std::uint8_t>(pick(dice, 0, alpha)); };
@@ -39,11 +40,37 @@ class ScaledFrames : public testing::Test {
         layer.group = group;
         layer.at = group ? group->childCount(false) : stack_->layerCountTotal(true);
         layer.x = pick(dice, -20, 20);
-        const std::int32_t id = stack_->addLayer(layer);
+        std::int32_t id = noLayer;
+        if (pick(dice, 0, 5) == 0) {
+            // Stays where the host has it.
+            const Ref<ShapeLayer> shapes(
+                new ShapeLayer(ShapeLayerKind::Paint, image.get(), layer.x, 0));
+            stack_->insertLayer(*shapes, false, layer.at, group, false);
+            id = shapes->id();
+        } else {
+            id = stack_->addLayer(layer);
+            if (pick(dice, 0, 3) == 0)
+                paintSolid(*stack_->layerById(id)->stencilImage(), anyBox(dice, 150), {100});
+        }
         static constexpr std::int32_t modes[] = {0, 0, 0, 1, 3, 5};
         stack_->setBlendMode(id, modes[dice() % std::size(modes)]);
         stack_->setOpacity(id, pick(dice, 0, 1) == 0 ? 1.0f : 0.6f);
         plain_.push_back(id);
+        if (pick(dice, 0, 3) == 0) addStencil(dice, group);
+    }
+    // Of what lies below it, with which it moves or doesn't.
+    void addStencil(Dice& dice, LayerGroup* group) {
+        const Ref<ilSmartImage> image = blank(1, pick(dice, 0, 5) == 0 ? 80 : 0);
+        paintSolid(*image, anyBox(dice, 150), {200});
+        stack::NewLayer layer;
+        layer.color = image.get();
+        layer.role = LayerRole::Stencil;
+        layer.makeActive = false;
+        layer.group = group;
+        layer.at = group ? group->childCount(false) : stack_->layerCountTotal(true);
+        layer.x = pick(dice, -20, 20);
+        // Shapes take none.
+        if (const std::int32_t id = stack_->addLayer(layer); id != noLayer) plain_.push_back(id);
     }
     void build(Dice& dice) {
         for (int n = pick(dice, 2, 5); n > 0; --n) {
