@@ -6,6 +6,8 @@
 #include <new>
 #include <vector>
 
+#include "image/smart/smart_alpha.h"
+
 namespace brushwork {
 namespace {
 
@@ -163,6 +165,7 @@ void WarpRuns::sample(const ilTile& box) {
     const auto mode = static_cast<std::size_t>(filter_);
     const SampleRun run = channels_ == 4 ? kernels.four[mode] : kernels.one[mode];
     run(source, placeX_.data(), placeY_.data(), count, drawn_.data());
+    if (filter_ == SampleMode::Bicubic && channels_ == 4) SmartAlpha::cut(drawn_.data(), count);
 }
 
 }  // namespace

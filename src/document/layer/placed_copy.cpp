@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "document/layer/view_levels.h"
+#include "image/smart/smart_alpha.h"
 #include "image/work/corner_warp_solver.h"
 #include "image/work/warp_loops.h"
 
@@ -247,6 +248,8 @@ class PlacedDrawing {
         const WarpTarget target{out_.data(), part.nx, part.ny, std::ptrdiff_t{part.nx} * channels_,
                                 part.x,      part.y};
         if (!warp(source, box, target)) return false;
+        if (mode_ == SampleMode::Bicubic && channels_ == 4)
+            SmartAlpha::cut(out_.data(), out_.size() / 4);
         const ilTile place = inImage(part);
         return image_->writeRegion(place, out_.data(), place) == ImageOk;
     }

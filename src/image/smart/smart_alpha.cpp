@@ -101,6 +101,11 @@ void SmartAlpha::repair(std::uint8_t* pixels, std::size_t count, AlphaRepair rep
     for (std::size_t n = 0; n < count; ++n, pixels += pixelBytes) repairPixel(pixels, repair);
 }
 
+void SmartAlpha::cut(std::uint8_t* pixels, std::size_t count) {
+    for (std::size_t n = 0; n < count; ++n, pixels += pixelBytes)
+        for (std::size_t c = 0; c < 3; ++c) pixels[c] = std::min(pixels[c], pixels[3]);
+}
+
 // What lies beyond the bounds is the fill, and stays so.
 void ilSmartImage::sanitizeAlpha() {
     const ImageLockScope lock;

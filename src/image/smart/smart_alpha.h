@@ -32,6 +32,8 @@ struct SmartAlpha {
     [[nodiscard]] static AlphaRepair repairFor(std::size_t slight, std::size_t strong,
                                                std::size_t noAlpha);
     static void repair(std::uint8_t* pixels, std::size_t count, AlphaRepair repair);
+    // Colours above their alpha come down to it: what filters with negative weights make.
+    static void cut(std::uint8_t* pixels, std::size_t count);
 };
 
 }  // namespace brushwork

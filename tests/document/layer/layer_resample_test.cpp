@@ -178,6 +178,22 @@ TEST(LayerResample, PagesOfTheCopyHaveNoSeams) {
         }
 }
 
+// A sampler with negative weights overshoots in each channel by itself.
+TEST(LayerResample, NoColourExceedsItsAlpha) {
+    for (unsigned seed = 0; seed < 12; ++seed) {
+        SCOPED_TRACE("seed " + std::to_string(seed));
+        Dice dice(seed);
+        const Ref<Layer> layer =
+            makeLayer(LayerRole::Paint, noise(4, flatTile(-20, -30, 90, 80), dice));
+        const auto angle = static_cast<float>(pick(dice, -180, 180)) + 0.5f;
+        ASSERT_TRUE(
+            layer->affineResample(recordOf(0.3f, 0.6f, 1.7f, 1.2f, angle), SampleMode::Bicubic));
+        const auto bytes = bytesOf(layer->colorImageRef(), boxOf(layer->colorImageRef()));
+        for (std::size_t n = 0; n < bytes.size(); ++n)
+            ASSERT_LE(bytes[n], bytes[n | 3]) << "byte " << n;
+    }
+}
+
 TEST(LayerResample, CornersFallWhereTheyAreAsked) {
     const ilTile box = flatTile(5, 7, 200, 140);
     const Ref<ilSmartImage> color = blank(4);
