@@ -1,5 +1,7 @@
 #include "document/stack/stack_pixel_change.h"
 
+#include <utility>
+
 #include "document/stack/stack_display.h"
 #include "document/stack/stack_invalidate.h"
 #include "document/stack/stack_paint_mask.h"
@@ -16,6 +18,13 @@ void drawRestricted(StackParts& stack, const std::function<void(PaintOps&)>& dra
     draw(*painter);
     painter->endAccess();
     painter->setBlendFactors(pairCopy.source, pairCopy.target);
+}
+
+void drawOnColor(StackParts& stack, const std::function<void(PaintOps&)>& draw) {
+    const bool onStencil = std::exchange(stack.painters.onStencil, false);
+    drawRestricted(stack, draw);
+    stack.painters.onStencil = onStencil;
+    if (onStencil) paintOps(stack);
 }
 
 void noteNewPixels(StackParts& stack, Layer& layer) {

@@ -35,7 +35,7 @@ void clearLayer(StackParts& stack, bool presentIt) {
     if (!image) return;
     closeTransform(stack);
     if (restricted(stack)) {
-        drawRestricted(stack, [&](PaintOps& painter) {
+        drawOnColor(stack, [&](PaintOps& painter) {
             painter.fillRegion(canvasIn(stack, *layer), ilPixel(TypeUChar, image->channels()));
         });
         image->shrinkBounds(true);
@@ -68,8 +68,8 @@ void fillLayer(StackParts& stack, const LayerColor& color, bool presentIt) {
     closeTransform(stack);
     const ilPixel pixel = pixelOf(color, image->channels());
     if (stack.selection.paintMask) {
-        drawRestricted(
-            stack, [&](PaintOps& painter) { painter.fillRegion(canvasIn(stack, *layer), pixel); });
+        drawOnColor(stack,
+                    [&](PaintOps& painter) { painter.fillRegion(canvasIn(stack, *layer), pixel); });
     } else {
         image->fillRegion(canvasIn(stack, *layer), pixel);
     }
@@ -84,7 +84,7 @@ void fillWithImage(StackParts& stack, ilImage& picture, bool presentIt, bool kee
     const ilTile canvas = canvasIn(stack, *layer);
     const ilTile box = boundsOf(&picture);
     if (!stack.selection.paintMask) blankOut(*image);
-    drawRestricted(stack, [&](PaintOps& painter) {
+    drawOnColor(stack, [&](PaintOps& painter) {
         painter.drawImage(&picture, canvas.x + box.x, canvas.y + box.y);
     });
     if (!keepBlendMode && layer->role() == LayerRole::Paint) layer->setBlendMode(0);

@@ -62,7 +62,7 @@ void shrinkWrap(StackParts& stack, const LayerColor& color, float blur, float to
     const Ref<ilSmartImage> halo(new ilSmartImage(ilPixel(TypeUChar, 4)));
     halo->fillRegion(area, pixelOf(color, 4));
     cutBy(*halo, *outside, 0, 0, pairKeepOutside);
-    drawRestricted(stack, [&](PaintOps& painter) {
+    drawOnColor(stack, [&](PaintOps& painter) {
         painter.setBlendFactors(pairUnder.source, pairUnder.target);
         painter.rect_copy(area.x, area.y, area.nx, area.ny,
                           PaintSource::of(halo.get(), area.x, area.y), PaintFormat(), 0, 1.0f,

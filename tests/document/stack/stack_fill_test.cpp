@@ -129,6 +129,30 @@ TEST_F(Filling, GoesIntoTheStencilThatToolsPaintOn) {
     EXPECT_FALSE(boxOf(layer.stencilImage()).isEmpty());
 }
 
+// Whatever the tools paint on, and whether a selection restricts it.
+TEST_F(Filling, EditsOfAllOfALayerAreOfItsColour) {
+    Dice dice(6);
+    for (const bool selects : {false, true}) {
+        begin(dice);
+        Layer& layer = *stack_->activeLayer();
+        layer.setOffset(0.0f, 0.0f);
+        if (selects) stack_->selectAll(flatTile(10, 10, 50, 50));
+        stack_->setPaintOnStencil(true);
+        const auto stencil = bytesOf(layer.stencilImage());
+        const auto pixel = [&] { return layer.smartColor()->getPixel(20, 20); };
+        stack_->fillLayer({0, 0, 1, 1}, false);
+        EXPECT_EQ(pixel(), 0xFFFF0000u);
+        const Ref<ilSmartImage> picture = blank(4);
+        paintSolid(*picture, flatTile(0, 0, 90, 90), {9, 9, 9, 9});
+        stack_->fillWithImage(*picture, false, true);
+        EXPECT_EQ(pixel(), 0x09090909u);
+        stack_->clearLayer(false);
+        EXPECT_EQ(pixel(), 0u);
+        EXPECT_EQ(bytesOf(layer.stencilImage()), stencil);
+        EXPECT_EQ(stack_->paintOps()->image(), layer.stencilImage());
+    }
+}
+
 TEST_F(Filling, SamplesTheLayer) {
     Dice dice(7);
     begin(dice);
