@@ -210,6 +210,8 @@ class Layer : public Resource {
     void pivot(float* x, float* y);
     [[nodiscard]] bool pivotSet() const { return place_.pivotSet; }
     void setOrigin(std::int32_t x, std::int32_t y);
+    // Moves any layer, movable or not, along with the document; its origin becomes (0, 0).
+    void absorbOrigin(std::int32_t x, std::int32_t y);
     [[nodiscard]] std::int32_t originX() const { return place_.originX; }
     [[nodiscard]] std::int32_t originY() const { return place_.originY; }
 

@@ -1,4 +1,5 @@
 // Attributes of a layer, the marks that they set, and what the list and the groups around say.
+#include "document/layer/changed_area.h"
 #include "document/layer/layer.h"
 
 namespace brushwork {
@@ -93,6 +94,19 @@ void Layer::setTextObject(LayerTextObj* object) {
 void Layer::setOrigin(std::int32_t x, std::int32_t y) {
     place_.originX = x;
     place_.originY = y;
+}
+
+void Layer::absorbOrigin(std::int32_t x, std::int32_t y) {
+    ChangedArea area(*this);
+    const auto moveX = static_cast<float>(x);
+    const auto moveY = static_cast<float>(y);
+    place_.offsetX += moveX;
+    place_.offsetY += moveY;
+    transform_.offsetX += moveX;
+    transform_.offsetY += moveY;
+    setOrigin(0, 0);
+    markClipDirty();
+    area.mark();
 }
 
 Layer* Layer::baseLayer() {

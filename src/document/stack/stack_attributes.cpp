@@ -160,17 +160,11 @@ void absorbOrigin(StackParts& stack) {
     const std::int32_t x = stack.plane.originX;
     const std::int32_t y = stack.plane.originY;
     if (x == 0 && y == 0) return;
-    const auto shift = [x, y](Layer& layer) {
-        float offsetX = 0.0f;
-        float offsetY = 0.0f;
-        layer.offset(&offsetX, &offsetY);
-        layer.setOffset(offsetX + static_cast<float>(x), offsetY + static_cast<float>(y));
-        layer.setOrigin(0, 0);
-        layer.markClipDirty(true);
+    static_cast<void>(eachLayer(stack.list, [x, y](Layer& layer) {
+        layer.absorbOrigin(x, y);
         return true;
-    };
-    static_cast<void>(eachLayer(stack.list, shift));
-    if (stack.selection.layer) shift(*stack.selection.layer);
+    }));
+    if (stack.selection.layer) stack.selection.layer->absorbOrigin(x, y);
     stack.plane.originX = 0;
     stack.plane.originY = 0;
     stack.plane.refreshBounds();

@@ -203,6 +203,46 @@ TEST_F(StackEdits, ScaleWithTheirPlaces) {
     EXPECT_FALSE(twice->scaleFrom(*stack_, 0.0f, SampleMode::Bilinear));
 }
 
+// Whatever the layers hold, and whether they may be moved: the picture stays.
+TEST_F(StackEdits, TheOriginIsAbsorbedByEveryLayer) {
+    Dice dice(1);
+    const Ref<ilSmartImage> picture = noise(4, flatTile(10, 12, 30, 20), dice);
+    const Ref<ShapeLayer> shapes(new ShapeLayer(ShapeLayerKind::Paint, picture.get(), 5, 6));
+    add(blue, flatTile(0, 0, 20, 20));
+    stack_->activeLayer()->setFlags(0x80);
+    stack_->insertLayer(*shapes, false, activeOne, nullptr, false);
+    const std::int32_t members[] = {stack_->activeId(), shapes->id()};
+    stack_->setBlendMode(stack_->makeGroupFrom(members, true), 0);
+    add(red, flatTile(2, 3, 4, 5));
+    stack_->parts().plane.originX = 7;
+    stack_->parts().plane.originY = -9;
+    stack_->canvasBounds();
+    stack_->redrawAll();
+    const Ref<ilSPMemoryImg> before = stack_->flatImage();
+    stack_->absorbOrigin();
+    EXPECT_EQ(stack_->canvasBounds(), canvas);
+    EXPECT_EQ(difference(bytesOf(stack_->flatImage().get(), canvas), bytesOf(before.get(), canvas),
+                         4, canvas),
+              "");
+    EXPECT_EQ(shown(9, 1), blue);
+}
+
+// What nobody has painted is part of a layer that covers it.
+TEST_F(StackEdits, ComposedAloneALayerKeepsItsGround) {
+    const Ref<ilSmartImage> color = blank(4, 70);
+    paintSolid(*color, flatTile(10, 10, 5, 5), {0, 0, 0, 255});
+    stack::NewLayer layer;
+    layer.color = color.get();
+    layer.x = 20;
+    const std::int32_t id = stack_->addLayer(layer);
+    std::int32_t x = 1;
+    std::int32_t y = 1;
+    const Ref<ilSmartImage> image = stack_->composeToImage(id, &x, &y, true, false, false);
+    EXPECT_EQ(std::pair(x, y), std::pair(0, 0));
+    EXPECT_EQ(image->getPixel(side - 1, side - 1), 0x46464646u);
+    EXPECT_EQ(image->getPixel(32, 12), 0xFF000000u);
+}
+
 // Nothing drawn is logged; a halo stays outside of what is drawn and closes holes.
 TEST_F(StackEdits, ShrinkWrapGoesAroundThePicture) {
     stack_->addLayer({});
