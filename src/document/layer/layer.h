@@ -112,7 +112,7 @@ class Layer : public Resource {
     virtual void setOpacity(float opacity);
     virtual void setPivot(float x, float y, bool set);
     virtual void setVisible(bool visible, std::int32_t arg = 1);
-    // Only if forced, or no group around is locked.
+    // Only if forced, or the group around isn't locked: those around that lock it, too.
     virtual void setLocked(bool locked, bool force = false);
     // Pass-through becomes 0 unless this is a group.
     virtual void setBlendMode(std::int32_t mode);

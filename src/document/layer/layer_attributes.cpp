@@ -49,9 +49,7 @@ void Layer::setVisible(bool visible, std::int32_t arg) {
 }
 
 void Layer::setLocked(bool locked, bool force) {
-    for (LayerParent* around = parent; around && !force; around = around->asLayer().parent)
-        if (around->asLayer().locked()) return;
-    locked_ = locked;
+    if (force || !parent || !parent->asLayer().locked()) locked_ = locked;
 }
 
 void Layer::setBlendMode(std::int32_t mode) {

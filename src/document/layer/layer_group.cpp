@@ -180,12 +180,7 @@ void LayerGroup::setVisible(bool visible, std::int32_t arg) {
 }
 
 bool LayerGroup::canLock(bool force) const {
-    for (const LayerParent* around = parent; around && !force;) {
-        Layer& group = const_cast<LayerParent*>(around)->asLayer();
-        if (group.locked()) return false;
-        around = group.parent;
-    }
-    return true;
+    return force || !parent || !parent->asLayer().locked();
 }
 
 void LayerGroup::setLocked(bool locked, bool force) {

@@ -148,10 +148,13 @@ TEST(Layer, InheritsOpacityAndSightUpToTheGroupWithACache) {
     EXPECT_FALSE(nest.layer->isDrawable());
 }
 
-TEST(Layer, LocksOnlyWhereTheGroupsAroundAreOpen) {
+TEST(Layer, LocksOnlyWhereTheGroupAroundIsOpen) {
     Nest nest;
     nest.layer->setLocked(true);
-    nest.outer->setLocked(true);
+    nest.inner->setLocked(true);
+    nest.through->setLocked(true);
+    nest.inner->setLocked(false);
+    EXPECT_TRUE(nest.inner->locked());
     nest.layer->setLocked(false);
     EXPECT_TRUE(nest.layer->locked());
     nest.layer->setLocked(false, true);
