@@ -25,15 +25,6 @@ Ref<ilSmartImage> smartCopy(ilImage* image) {
     return copy;
 }
 
-Ref<ilSPMemoryImg> memoryCopy(ilSPMemoryImg* image) {
-    if (!image || !image->data()) return {};
-    const Ref<ilSPMemoryImg> copy(
-        new ilSPMemoryImg(image->sizeX(), image->sizeY(), image->channels()));
-    if (!copy->data() || copy->byteSize() != image->byteSize()) return {};
-    std::copy_n(image->data(), image->byteSize(), copy->data());
-    return copy;
-}
-
 }  // namespace
 
 Layer::Layer(const Layer& other)
@@ -64,9 +55,6 @@ Layer::Layer(const Layer& other)
     images_.clip = smartCopy(other.images_.clip.get());
     images_.clipDirty = other.images_.clipDirty;
     images_.source = other.images_.source;
-    // Each layer draws into its own.
-    thumbnail_.image = memoryCopy(other.thumbnail_.image.get());
-    thumbnail_.dirty = thumbnail_.dirty || !thumbnail_.image;
     view_.transform = other.view_.transform;
     if (other.textObject_) textObject_ = Ref<LayerTextObj>(new LayerTextObj(*other.textObject_));
 }

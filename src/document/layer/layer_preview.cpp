@@ -74,7 +74,8 @@ ilSPMemoryImg* Layer::thumbnailImage(const ilTile* box, std::int32_t x, std::int
     thumbnail_.offsetX = x;
     thumbnail_.offsetY = y;
     thumbnail_.dirty = false;
-    if (!thumbnail_.image)
+    // One that a copy of the layer shows, too, isn't drawn over.
+    if (!thumbnail_.image || thumbnail_.image->refCount() > 1)
         thumbnail_.image =
             Ref<ilSPMemoryImg>(new ilSPMemoryImg(thumbnail_.width, thumbnail_.height, 4));
     ilSPMemoryImg& picture = *thumbnail_.image;

@@ -84,6 +84,21 @@ TEST(LayerCopy, CarriesWhatBelongsToTheLayerAlone) {
     EXPECT_TRUE(copy->takeHostState());
 }
 
+TEST(LayerCopy, SharesTheThumbnailUntilOneIsDrawnAnew) {
+    const Ref<Layer> layer = makeLayer(LayerRole::Paint, blank(4));
+    paintSolid(*layer->colorImageRef(), flatTile(0, 0, 100, 80), {9, 9, 9, 255});
+    ilSPMemoryImg* const picture = layer->thumbnailImage(nullptr, 0, 0);
+    const auto before = bytesOf(picture, picture->box());
+    const Ref<Layer> copy = layer->clone();
+    EXPECT_EQ(copy->thumbnailImage(nullptr, 0, 0), picture);
+    paintSolid(*copy->colorImageRef(), flatTile(0, 0, 100, 80), {80, 0, 0, 255});
+    copy->touch();
+    ilSPMemoryImg* const own = copy->thumbnailImage(nullptr, 0, 0);
+    EXPECT_NE(bytesOf(own, own->box()), before);
+    EXPECT_EQ(layer->thumbnailImage(nullptr, 0, 0), picture);
+    EXPECT_EQ(bytesOf(picture, picture->box()), before);
+}
+
 TEST(LayerCopy, GrowsTheBoxOfAColourCopy) {
     Dice dice(9);
     const Ref<Layer> layer = makeLayer(LayerRole::Paint, noise(4, flatTile(3, 4, 50, 60), dice));
