@@ -187,7 +187,13 @@ void Layer::flipImage(bool horizontal, bool vertical) {
         mirrored.y = turns.area().y + turns.area().endY() - box.endY();
     color->setBounds(mirrored, true);
     tighten();
-    shiftPixels(*color, box.x - mirrored.x, box.y - mirrored.y);
+    // Back by its place: a layer that may not be moved keeps the shift.
+    const ilTile shifted = boundsOf(color);
+    if (shifted.x != box.x || shifted.y != box.y) {
+        setOffsetInt(TransformRecord(), box.x - shifted.x, box.y - shifted.y);
+        bakeOffset();
+        tighten();
+    }
     const ilTile result = boundsOf(color);
     if (!(result == box)) {
         log("\nError!\n");

@@ -155,6 +155,28 @@ TEST(LayerTurns, NothingToTurnIsLeftAlone) {
     EXPECT_EQ(layer->offsetXInt(), 0);  // baked
 }
 
+// Pages are mirrored in place; what may not be moved back stays where that leaves it.
+TEST(LayerTurns, ALayerThatMayNotMoveIsTold) {
+    Dice dice(6);
+    const Ref<ilSmartImage> color = noise(4, flatTile(3, 4, 50, 60), dice);
+    constexpr std::uint32_t fixed = 0x80;
+    const Ref<Layer> layer(new Layer(color.get(), nullptr, LayerRole::Paint, fixed, 0.0f, 0.0f));
+    layer->smartColor()->shrinkBounds(true);
+    const ilTile box = boxOf(layer->colorImageRef());
+    Picture before(layer->colorImageRef());
+    const Logged logged;
+    layer->flipImage(true, false);
+    const Picture wanted = before.moved(box, 0, [](int x, int y) { return std::pair(127 - x, y); });
+    EXPECT_EQ(Picture(layer->colorImageRef()).differenceFrom(wanted), "");
+    const auto told = [](const char* which, const ilTile& is) {
+        return "LayerFlip -- " + std::string(which) + " bounds are " + std::to_string(is.x) + ", " +
+               std::to_string(is.y) + ", " + std::to_string(is.nx) + ", " + std::to_string(is.ny) +
+               "\n";
+    };
+    EXPECT_EQ(logged.lines, (std::vector<std::string>{"\nError!\n", told("Original", box),
+                                                      told("New", boxOf(layer->colorImageRef()))}));
+}
+
 TEST(LayerTurns, OffsetAndOriginMoveThePixelsAndNotWhatIsSeen) {
     for (unsigned seed = 0; seed < 20; ++seed) {
         SCOPED_TRACE("seed " + std::to_string(seed));
