@@ -250,6 +250,17 @@ TEST_F(StrokeRecords, AMissingGroundIsTold) {
     a->archive(database_);
     EXPECT_EQ(logged_, (Story{"Invalid ilImage (missing seed image)\n",
                               "Brushwork:Undo:Can't collapse seed image!\n"}));
+    // Of a stencil other words for the same.
+    stack_->addLayer({});
+    logged_.clear();
+    layer().setStencilImage(
+        Ref<ilMemoryImg>(new ilMemoryImg(64, 64, 1, 1, TypeUChar, OrderInterleaved)).get());
+    logged_.clear();
+    const auto c = edit(1, 0xff0000ff);
+    const auto d = edit(2, 0xff00ff00);
+    c->archive(database_);
+    EXPECT_EQ(logged_, (Story{"Brushwork:Undo: Invalid ilImage\n",
+                              "Brushwork:Undo:Can't collapse seed image\n"}));
 }
 
 // A host's developer sees records come, fold and go, by their handles.
