@@ -28,6 +28,15 @@ FileKind kindOf(unsigned int mode) {
     }
 }
 
+// The C runtime finds no directory by a name that ends with a separator.
+std::wstring directoryPath(std::u16string_view path) {
+    const auto isSeparator = [](wchar_t unit) { return unit == L'/' || unit == L'\\'; };
+    std::wstring native = nativePath(path);
+    while (native.size() > 1 && isSeparator(native.back()) && native[native.size() - 2] != L':')
+        native.pop_back();
+    return native;
+}
+
 struct StreamRequest {
     int flags = 0;
     std::string mode;  // empty for one that makes no sense
@@ -83,8 +92,11 @@ FileStream openStream(std::u16string_view path, std::string_view mode, int& numb
 
 CallResult statFile(std::u16string_view path, FileStatus& status) {
     struct _stat64 found {};
-    if (::_wstat64(nativePath(path).c_str(), &found) != 0) return resultOf(-1);
+    const std::wstring name = directoryPath(path);
+    if (::_wstat64(name.c_str(), &found) != 0) return resultOf(-1);
     status.kind = kindOf(found.st_mode);
+    if (name.size() < path.size() && status.kind != FileKind::Directory)
+        return {errnoNoEntry, ERROR_PATH_NOT_FOUND};
     status.size = static_cast<std::uint64_t>(found.st_size);
     status.modified = found.st_mtime;
     status.created = found.st_ctime;
@@ -100,11 +112,11 @@ CallResult unlinkFile(std::u16string_view path) {
 }
 
 CallResult removeDirectory(std::u16string_view path) {
-    return resultOf(::_wrmdir(nativePath(path).c_str()));
+    return resultOf(::_wrmdir(directoryPath(path).c_str()));
 }
 
 CallResult makeDirectory(std::u16string_view path) {
-    return resultOf(::_wmkdir(nativePath(path).c_str()));
+    return resultOf(::_wmkdir(directoryPath(path).c_str()));
 }
 
 bool accessFile(std::u16string_view path, int access) {

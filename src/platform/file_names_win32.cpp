@@ -1,6 +1,7 @@
 // The names in directories, and new names.
 
 #include <array>
+#include <atomic>
 #include <vector>
 
 #include "platform/file_calls_win32.h"
@@ -51,14 +52,27 @@ std::u16string temporaryDirectory() {
 
 CallResult makeUniqueFile(std::u16string_view directory, std::u16string_view prefix,
                           std::u16string& path) {
-    std::array<wchar_t, pathRoom + 1> name{};
+    // The system's own numbers come from its clock: a name that was given back is soon given again.
+    static std::atomic<UINT> next{::GetTickCount() ^ ::GetCurrentProcessId() << 4};
+    const std::wstring folder = nativePath(directory);
     const std::wstring start = nativePath(prefix.substr(0, 3));
-    if (::GetTempFileNameW(nativePath(directory).c_str(), start.c_str(), 0, name.data()) == 0) {
-        const DWORD error = ::GetLastError();
-        return {errnoOf(error), error};
+    DWORD error = ERROR_FILE_EXISTS;
+    for (UINT tried = 0; tried < 0xFFFF && error == ERROR_FILE_EXISTS; ++tried) {
+        std::array<wchar_t, pathRoom + 1> name{};
+        const UINT number = 1 + next++ % 0xFFFF;
+        const bool named =
+            ::GetTempFileNameW(folder.c_str(), start.c_str(), number, name.data()) != 0;
+        const HANDLE file = named ? ::CreateFileW(name.data(), GENERIC_WRITE, 0, nullptr,
+                                                  CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr)
+                                  : INVALID_HANDLE_VALUE;
+        if (file != INVALID_HANDLE_VALUE) {
+            ::CloseHandle(file);
+            path = fromWide(name.data());
+            return {};
+        }
+        error = ::GetLastError();
     }
-    path = fromWide(name.data());
-    return {};
+    return {errnoOf(error), error};
 }
 
 }  // namespace brushwork::platform

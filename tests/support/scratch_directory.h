@@ -27,18 +27,20 @@ class ScratchDirectory {
     }
 
     [[nodiscard]] const std::filesystem::path& path() const { return path_; }
+    // Names are UTF-8 on every system.
     [[nodiscard]] std::filesystem::path operator/(std::string_view name) const {
-        return path_ / name;
+        return path_ / std::u8string(name.begin(), name.end());
     }
     [[nodiscard]] std::u16string name(std::string_view name) const {
-        return (path_ / name).u16string();
+        return (*this / name).u16string();
     }
     std::filesystem::path put(std::string_view name, std::string_view bytes) const {
-        std::ofstream(path_ / name, std::ios::binary) << bytes;
-        return path_ / name;
+        const std::filesystem::path place = *this / name;
+        std::ofstream(place, std::ios::binary) << bytes;
+        return place;
     }
     [[nodiscard]] std::string get(std::string_view name) const {
-        std::ifstream file(path_ / name, std::ios::binary);
+        std::ifstream file(*this / name, std::ios::binary);
         return {std::istreambuf_iterator<char>(file), {}};
     }
     [[nodiscard]] std::size_t entryCount() const {

@@ -70,8 +70,10 @@ TEST_F(TempFilesTest, TheSweepTakesOldFilesAlone) {
     put("qel12.unload", 700000s);
     put("other.txt", 700000s);
     std::filesystem::create_directory(scratch_ / "directory.qx$");
+    std::error_code noTimesOfDirectories;
     std::filesystem::last_write_time(scratch_ / "directory.qx$",
-                                     std::filesystem::file_time_type::clock::now() - 700000s);
+                                     std::filesystem::file_time_type::clock::now() - 700000s,
+                                     noTimesOfDirectories);
     EXPECT_EQ(Filename::sweepDirectory(IString(scratch_.path().u16string())), 2);
     EXPECT_EQ(scratch_.entryCount(), 4U);
     EXPECT_TRUE(std::filesystem::exists(scratch_ / "still-young.qx$"));
