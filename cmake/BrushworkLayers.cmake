@@ -29,7 +29,7 @@ function(brushwork_layer name)
       set_source_files_properties(${source} PROPERTIES COMPILE_OPTIONS "-msse2"
                                   SKIP_PRECOMPILE_HEADERS ON)
     elseif(source MATCHES "_avx2\\.cpp$")
-      set_source_files_properties(${source} PROPERTIES COMPILE_OPTIONS "-mavx2"
+      set_source_files_properties(${source} PROPERTIES COMPILE_OPTIONS "-mavx2;-mfma"
                                   SKIP_PRECOMPILE_HEADERS ON)
     endif()
   endforeach()

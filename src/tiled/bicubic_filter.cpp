@@ -86,16 +86,17 @@ void BicubicFilter::sampleRow4(std::uint8_t* out, const SampleRow& row) {
         const int whole = (count + 7) & ~7;
         takePlaces(row, whole, x, y, chunk);
         rows->locate(chunk, whole);
-        if (!placeBlocks(chunk, whole, side, first)) {
+        if (!placeBlocks(chunk, whole, {side, first, -0.5}, rows->point)) {
             std::memset(out, 0, static_cast<std::size_t>(count) * 4);
             continue;
         }
         std::uint8_t* const to = count == whole ? out : sampled;
         const Unsettled unsettled = rows->sum(chunk, whole, to);
+        const CubicSums& sums = *cubicSums(level);
         const auto again = [&](std::uint32_t places, int odd) {
             for (; places != 0; places &= places - 1) {
                 const int n = 2 * std::countr_zero(places) + odd;
-                sampleExactly(*cubicSums(level), chunk, n, to + 4 * n);
+                sampleExactly(sums, chunk, n, to + 4 * n);
             }
         };
         again(unsettled.even, 0);

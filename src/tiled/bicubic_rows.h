@@ -1,10 +1,10 @@
 // Bicubic samples of a row, in whole numbers and single precision.
 //
-// The definition of a sample is BicubicFilter's, in double. Here the weights along y are whole
-// 32766ths, so that columns add up exactly, and those along x floats. How far a weight was rounded
-// is known, and with it how far a sum can lie off: it rounds to the same byte unless it lies closer
-// than that to the middle between two. The kernel says which pixels do, and those are sampled again
-// in double. About one pixel in thirty of a noisy picture is.
+// The definition of a sample is BicubicFilter's, in double. Here the weights along one axis are
+// whole 32766ths, so that a column, or a row, adds up exactly, and those along the other floats.
+// How far a weight was rounded is known, and with it how far a sum can lie off: it rounds to the
+// same byte unless it lies closer than that to the middle between two. The kernel says which pixels
+// do, and those are sampled again in double. About one pixel in thirty of a noisy picture is.
 #pragma once
 
 #include <cstdint>
@@ -29,6 +29,7 @@ static_assert(chunkPlaces <= 64);
 // `count` is a multiple of 8, at most chunkPlaces; places lie within 2^28 of zero.
 struct BicubicRows {
     void (*locate)(BicubicChunk& chunk, int count);
+    PointBlocks point;
     // Writes four bytes a place.
     Unsettled (*sum)(const BicubicChunk& chunk, int count, std::uint8_t* out);
 };

@@ -68,12 +68,13 @@ void BilinearFilter::sampleRow4(std::uint8_t* out, const SampleRow& row) {
         const int whole = (count + 7) & ~7;
         takePlaces(row, whole, x, y, chunk);
         rows->locate(chunk, whole);
-        if (!placeBlocks(chunk, whole, 2, -1)) {
+        if (!placeBlocks(chunk, whole, {2, -1, 0.5}, rows->point)) {
             std::memset(out, 0, static_cast<std::size_t>(count) * 4);
             continue;
         }
-        rows->mix(chunk, whole, mixed);
-        std::memcpy(out, mixed, static_cast<std::size_t>(count) * 4);
+        std::uint8_t* const to = count == whole ? out : mixed;
+        rows->mix(chunk, whole, to);
+        if (to == mixed) std::memcpy(out, mixed, static_cast<std::size_t>(count) * 4);
     }
 }
 

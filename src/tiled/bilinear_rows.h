@@ -18,6 +18,7 @@ struct BilinearChunk : SampleChunk {
 struct BilinearRows {
     // `ix` and `iy` become the corners, not the pixels left of them.
     void (*locate)(BilinearChunk& chunk, int count);
+    PointBlocks point;
     // Writes four bytes a place.
     void (*mix)(const BilinearChunk& chunk, int count, std::uint8_t* out);
 };

@@ -4,6 +4,7 @@
 namespace brushwork {
 
 const BilinearRows bilinearRowsAvx2 = {&BilinearWalk<SampleLanesAvx2>::locate,
+                                       &pointBlocks<SampleLanesAvx2>,
                                        &BilinearWalk<SampleLanesAvx2>::mix};
 
 }  // namespace brushwork

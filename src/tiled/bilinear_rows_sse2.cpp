@@ -4,6 +4,7 @@
 namespace brushwork {
 
 const BilinearRows bilinearRowsSse2 = {&BilinearWalk<SampleLanesSse2>::locate,
+                                       &pointBlocks<SampleLanesSse2>,
                                        &BilinearWalk<SampleLanesSse2>::mix};
 
 }  // namespace brushwork

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "tiled/bilinear_rows.h"
+#include "tiled/sample_walk.h"
 
 namespace brushwork {
 
@@ -9,14 +10,13 @@ template <class L>
 class BilinearWalk {
     using Ints = typename L::Ints;
 
-    static void locateAll(const double* places, int count, std::int32_t* whole,
+    static void locateAll(const SampleSteps& steps, double* places, int count, std::int32_t* whole,
                           std::int32_t* shares) {
-        for (int n = 0; n < count; n += L::doubles) {
-            const auto place = L::loadPlaces(places + n);
+        walkPlaces<L>(steps, places, count, [&](int n, auto place) {
             const auto base = L::floorOf(L::add(place, L::everyPlace(0.5)));
             L::storeInts(whole + n, base);
             L::storeInts(shares + n, L::mul(L::sub(place, base), L::everyPlace(255)));
-        }
+        });
         for (int n = 0; n < count; n += L::count) {
             const Ints f = L::both(L::load(shares + n), L::every(255));
             L::store(shares + n, L::add(L::sub(L::template up<16>(f), f), L::every(256)));
@@ -42,13 +42,14 @@ class BilinearWalk {
 
   public:
     static void locate(BilinearChunk& chunk, int count) {
-        locateAll(chunk.x, count, chunk.ix, chunk.sharesX);
-        locateAll(chunk.y, count, chunk.iy, chunk.sharesY);
+        locateAll(chunk.alongX, chunk.x, count, chunk.ix, chunk.sharesX);
+        locateAll(chunk.alongY, chunk.y, count, chunk.iy, chunk.sharesY);
     }
 
     static void mix(const BilinearChunk& chunk, int count, std::uint8_t* out) {
         noteKernelForm(L::level);
         for (int n = 0; n < count; n += 2 * L::pixels, out += 8 * L::pixels) {
+            __builtin_prefetch(chunk.first[n] + chunk.ahead[n / (2 * L::pixels) % 4]);
             const Ints a = mixed(chunk, n);
             const Ints b = mixed(chunk, n + L::pixels);
             L::storePixels(out, a, b);

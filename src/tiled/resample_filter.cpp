@@ -1,10 +1,7 @@
 #include "tiled/resample_filter.h"
 
 #include <algorithm>
-#include <array>
-#include <bit>
 #include <cmath>
-#include <cstdlib>
 #include <cstring>
 
 namespace brushwork {
@@ -98,13 +95,6 @@ void ResampleFilter::gather1(std::int32_t x, std::int32_t y, std::int32_t w, std
     }
 }
 
-// By an edge mode that reads nothing there.
-bool ResampleFilter::isApart(std::int32_t x, std::int32_t y, std::int32_t w, std::int32_t h) const {
-    const SampleRect& r = rect_;
-    return edgeMode_ == &edgeOutside &&
-           (x > r.maxX || y > r.maxY || x + w - 1 < r.minX || y + h - 1 < r.minY);
-}
-
 void ResampleFilter::gather4(std::int32_t x, std::int32_t y, std::int32_t w, std::int32_t h,
                              std::uint8_t* out) const {
     gather4(x, y, w, h, out, static_cast<std::size_t>(w) * 4);
@@ -128,153 +118,6 @@ void ResampleFilter::gather4(std::int32_t x, std::int32_t y, std::int32_t w, std
             }
         }
     }
-}
-
-bool ResampleFilter::isTame(const SampleRow& row) {
-    constexpr double furthest = 1 << 28;
-    const double endX = row.x + row.dx * row.count;
-    const double endY = row.y + row.dy * row.count;
-    // Not-a-number is in no range.
-    return std::fabs(row.x) < furthest && std::fabs(row.y) < furthest &&
-           std::fabs(endX) < furthest && std::fabs(endY) < furthest;
-}
-
-namespace {
-
-constexpr auto numbers = [] {
-    std::array<double, chunkPlaces> values{};
-    for (std::size_t n = 0; n < values.size(); ++n) values[n] = static_cast<double>(n);
-    return values;
-}();
-
-// Places `count` up to chunkPlaces of a sum that is rounded at each step. Between two powers of two
-// doubles are evenly spaced, so there every step is rounded alike, unless it ends in the middle
-// between two, and all places can be had at once.
-void takeSteps(double& at, double step, int count, double* places) {
-    constexpr std::uint64_t fraction = (1ull << 52) - 1;
-    const double even = (at + step) - at;
-    const double last = at + (count - 1) * even;
-    const auto firstBits = std::bit_cast<std::uint64_t>(at);
-    const auto lastBits = std::bit_cast<std::uint64_t>(last);
-    const double spacing =
-        std::bit_cast<double>(firstBits & (0x7FFull << 52)) * 2.220446049250313e-16;
-    const bool evenly = firstBits >> 52 == lastBits >> 52 && (firstBits & fraction) != 0 &&
-                        (lastBits & fraction) != 0 && 2 * std::fabs(step - even) < spacing;
-    const double first = at;
-    if (evenly) {
-        for (std::size_t n = 0; n < static_cast<std::size_t>(count); ++n)
-            places[n] = first + numbers[n] * even;
-        at = last + step;
-    } else {
-        for (int n = 0; n < count; ++n, at += step) places[n] = at;
-    }
-}
-
-}  // namespace
-
-void ResampleFilter::takePlaces(const SampleRow& row, int count, double& x, double& y,
-                                SampleChunk& chunk) {
-    takeSteps(x, row.dx, count, chunk.x);
-    takeSteps(y, row.dy, count, chunk.y);
-}
-
-ResampleFilter::BlockWindow ResampleFilter::windowAt(std::int32_t x, std::int32_t y,
-                                                     std::int32_t side) const {
-    const std::uint8_t* const pixel = block4(x, y, side, side);
-    if (!pixel) return {};
-    BlockWindow window;
-    window.left = std::max(x & ~tileMask, rect_.minX);
-    window.bottom = std::max(y & ~tileMask, rect_.minY);
-    const std::int32_t endX = std::min(x | tileMask, rect_.maxX) + 2 - side;
-    const std::int32_t endY = std::min(y | tileMask, rect_.maxY) + 2 - side;
-    window.width = static_cast<std::uint32_t>(endX - window.left);
-    window.height = static_cast<std::uint32_t>(endY - window.bottom);
-    window.corner = pixel - (y - window.bottom) * std::ptrdiff_t{blockStride} -
-                    (x - window.left) * std::ptrdiff_t{4};
-    return window;
-}
-
-// A block on the border of filled tiles, within the rectangle: of each row the last four pixels of
-// the left tile and the first four of the right one. Null for any other.
-const std::uint8_t* ResampleFilter::acrossTiles(std::int32_t x, std::int32_t y, std::int32_t side,
-                                                std::uint8_t* room) const {
-    const SampleRect& r = rect_;
-    if (x < r.minX || y < r.minY || x + side - 1 > r.maxX || y + side - 1 > r.maxY) return nullptr;
-    const bool broken = (x & tileMask) > tileSide - side;
-    const std::int32_t left = broken ? (x & ~tileMask) + tileSide - 4 : x;
-    const std::int32_t width = broken ? 4 : side;
-    const std::uint8_t* const corner = room + (x - left) * 4;
-    for (std::int32_t j = 0; j < side;) {
-        const std::int32_t rows = std::min(side - j, tileSide - ((y + j) & tileMask));
-        const znImage::Byte4* low = words_->blockAt(left, y + j, width, rows);
-        const znImage::Byte4* high = broken ? words_->blockAt(left + 4, y + j, 4, rows) : low;
-        if (!low || !high) return nullptr;
-        for (const std::int32_t end = j + rows; j < end; ++j, room += blockStride) {
-            std::memcpy(room, low, side == 4 || broken ? 16 : 8);
-            if (broken) std::memcpy(room + 16, high, 16);
-            low += tileSide;
-            high += tileSide;
-        }
-    }
-    return corner;
-}
-
-// The places of a row lie on a line: if the ends of a run lie in the window, all of it does.
-int ResampleFilter::placeRun(const BlockWindow& window, SampleChunk& chunk, int n, int count,
-                             std::int32_t shift) {
-    const auto has = [&](int at) { return window.has(chunk.ix[at] + shift, chunk.iy[at] + shift); };
-    int end = count;
-    if (!has(count - 1)) {
-        int last = n;  // has it
-        for (int out = count - 1; out - last > 1;) {
-            const int middle = (last + out) / 2;
-            (has(middle) ? last : out) = middle;
-        }
-        end = last + 1;
-    }
-    // Modulo the size of an address.
-    const auto offsetOf = [](std::int32_t x, std::int32_t y) {
-        return static_cast<std::size_t>(y) * blockStride + static_cast<std::size_t>(x) * 4;
-    };
-    const std::size_t base = offsetOf(window.left - shift, window.bottom - shift);
-    const std::uint8_t* const corner = window.corner;
-    for (; n < end; ++n) chunk.first[n] = corner + (offsetOf(chunk.ix[n], chunk.iy[n]) - base);
-    return end;
-}
-
-bool ResampleFilter::placeBlocks(SampleChunk& chunk, int count, std::int32_t side,
-                                 std::int32_t shift) const {
-    static constexpr std::uint8_t nothing[4 * blockStride] = {};
-    // The box around all blocks.
-    const std::int32_t endX = chunk.ix[count - 1];
-    const std::int32_t endY = chunk.iy[count - 1];
-    if (!words_ ||
-        isApart(std::min(chunk.ix[0], endX) + shift, std::min(chunk.iy[0], endY) + shift,
-                std::abs(endX - chunk.ix[0]) + side, std::abs(endY - chunk.iy[0]) + side))
-        return false;
-    BlockWindow window;
-    for (int n = 0; n < count;) {
-        const std::int32_t x = chunk.ix[n] + shift;
-        const std::int32_t y = chunk.iy[n] + shift;
-        const bool whole = (x & tileMask) <= tileSide - side && (y & tileMask) <= tileSide - side;
-        if (whole && !window.has(x, y)) window = windowAt(x, y, side);
-        if (whole && window.has(x, y)) {
-            n = placeRun(window, chunk, n, count, shift);
-            continue;
-        }
-        if (isApart(x, y, side, side)) {
-            chunk.first[n++] = nothing;
-            continue;
-        }
-        std::uint8_t* const room = chunk.roomOf(n);
-        chunk.first[n] = acrossTiles(x, y, side, room);
-        if (!chunk.first[n]) {
-            gather4(x, y, side, side, room, blockStride);
-            chunk.first[n] = room;
-        }
-        ++n;
-    }
-    return true;
 }
 
 // Part of a row within the rectangle, cell by cell.

@@ -92,14 +92,19 @@ class ResampleFilter : public Resource {
                  std::size_t stride) const;
     // Whether all places of a row are numbers within 2^28 of zero.
     [[nodiscard]] static bool isTame(const SampleRow& row);
-    // The next places of a row: `x` and `y` move on.
+    // The next places of a row, for a kernel to work out: `x` and `y` move on.
     static void takePlaces(const SampleRow& row, int count, double& x, double& y,
                            SampleChunk& chunk);
-    // Points `first` at the blocks of `side` by `side` pixels, 2 or 4, of the places up to `count`;
-    // `shift` leads from ix and iy to the block's corner. False, with nothing placed: no block
-    // has a pixel.
-    [[nodiscard]] bool placeBlocks(SampleChunk& chunk, int count, std::int32_t side,
-                                   std::int32_t shift) const;
+    // Blocks of `side` by `side` pixels, 2 or 4. ix and iy are the places moved by `half` and
+    // rounded down; `shift` leads from them to a block's corner.
+    struct BlockShape {
+        std::int32_t side, shift;
+        double half;
+    };
+    // Points `first` at the blocks of the places up to `count`. False, with nothing placed: no
+    // block has a pixel.
+    [[nodiscard]] bool placeBlocks(SampleChunk& chunk, int count, const BlockShape& shape,
+                                   PointBlocks point) const;
     // The first of `w` by `h` pixels of four bytes, in rows of 512 bytes, if they all lie in the
     // rectangle and in one block; else null.
     [[nodiscard]] const std::uint8_t* block4(std::int32_t x, std::int32_t y, std::int32_t w,
@@ -126,11 +131,12 @@ class ResampleFilter : public Resource {
         }
     };
     [[nodiscard]] BlockWindow windowAt(std::int32_t x, std::int32_t y, std::int32_t side) const;
-    // Blocks from number n on, which the window has, up to the first that it hasn't; answers that.
-    static int placeRun(const BlockWindow& window, SampleChunk& chunk, int n, int count,
-                        std::int32_t shift);
-    [[nodiscard]] const std::uint8_t* acrossTiles(std::int32_t x, std::int32_t y, std::int32_t side,
-                                                  std::uint8_t* room) const;
+    // The first place behind number n that the window, which has that one, hasn't.
+    [[nodiscard]] static int runEnd(const BlockWindow& window, const SampleChunk& chunk, int n,
+                                    int count, const BlockShape& shape);
+    [[nodiscard]] int placeBox(SampleChunk& chunk, int n, int count, const BlockShape& shape) const;
+    [[nodiscard]] const std::uint8_t* copyBox(std::int32_t x, std::int32_t y, std::int32_t w,
+                                              std::int32_t h, std::uint8_t* room) const;
     void gatherRun4(std::int32_t x, std::int32_t y, std::int32_t w, std::uint8_t* out) const;
 
     std::int32_t type_;

@@ -76,6 +76,8 @@ struct SampleLanesAvx2 {
     static Floats add(Floats a, Floats b) { return _mm256_add_ps(a, b); }
     static Floats sub(Floats a, Floats b) { return _mm256_sub_ps(a, b); }
     static Floats mul(Floats a, Floats b) { return _mm256_mul_ps(a, b); }
+    // a * b + c
+    static Floats mulAdd(Floats a, Floats b, Floats c) { return _mm256_fmadd_ps(a, b, c); }
     static Floats size(Floats v) { return _mm256_andnot_ps(_mm256_set1_ps(-0.0f), v); }
     // Bit n: lane n of `a` is greater.
     static std::uint32_t lanesAbove(Floats a, Floats b) {
@@ -109,6 +111,7 @@ struct SampleLanesAvx2 {
     using Doubles = __m256d;
     static constexpr int doubles = 4;
     static Doubles loadPlaces(const double* p) { return _mm256_load_pd(p); }
+    static void storePlaces(double* p, Doubles v) { _mm256_store_pd(p, v); }
     static Doubles everyPlace(double v) { return _mm256_set1_pd(v); }
     static Doubles add(Doubles a, Doubles b) { return _mm256_add_pd(a, b); }
     static Doubles sub(Doubles a, Doubles b) { return _mm256_sub_pd(a, b); }
@@ -118,6 +121,27 @@ struct SampleLanesAvx2 {
         _mm_store_si128(reinterpret_cast<__m128i*>(p), _mm256_cvttpd_epi32(v));
     }
     static void storeFloats(float* p, Doubles v) { _mm_store_ps(p, _mm256_cvtpd_ps(v)); }
+
+    // Addresses in a tile of the pixels (ix, iy), as many as `doubles`; (x, y) stands at `corner`.
+    static void storeAddresses(const std::uint8_t** out, const std::uint8_t* corner,
+                               const std::int32_t* ix, std::int32_t x, const std::int32_t* iy,
+                               std::int32_t y) {
+        const auto from = [](const std::int32_t* p, std::int32_t base) {
+            const __m128i places = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
+            return _mm_sub_epi32(places, _mm_set1_epi32(base));
+        };
+        const __m128i offsets =
+            _mm_add_epi32(_mm_slli_epi32(from(iy, y), 9), _mm_slli_epi32(from(ix, x), 2));
+        const auto base = static_cast<std::int64_t>(reinterpret_cast<std::uintptr_t>(corner));
+        if constexpr (sizeof(corner) == 8)
+            _mm256_storeu_si256(
+                reinterpret_cast<__m256i*>(out),
+                _mm256_add_epi64(_mm256_set1_epi64x(base), _mm256_cvtepu32_epi64(offsets)));
+        else
+            _mm_storeu_si128(
+                reinterpret_cast<__m128i*>(out),
+                _mm_add_epi32(_mm_set1_epi32(static_cast<std::int32_t>(base)), offsets));
+    }
 };
 
 }  // namespace brushwork

@@ -63,6 +63,7 @@ struct SampleLanesSse2 {
     static Floats add(Floats a, Floats b) { return _mm_add_ps(a, b); }
     static Floats sub(Floats a, Floats b) { return _mm_sub_ps(a, b); }
     static Floats mul(Floats a, Floats b) { return _mm_mul_ps(a, b); }
+    static Floats mulAdd(Floats a, Floats b, Floats c) { return add(mul(a, b), c); }
     static Floats size(Floats v) { return _mm_andnot_ps(_mm_set1_ps(-0.0f), v); }
     static std::uint32_t lanesAbove(Floats a, Floats b) {
         return static_cast<std::uint32_t>(_mm_movemask_ps(_mm_cmpgt_ps(a, b)));
@@ -90,6 +91,7 @@ struct SampleLanesSse2 {
     using Doubles = __m128d;
     static constexpr int doubles = 2;
     static Doubles loadPlaces(const double* p) { return _mm_load_pd(p); }
+    static void storePlaces(double* p, Doubles v) { _mm_store_pd(p, v); }
     static Doubles everyPlace(double v) { return _mm_set1_pd(v); }
     static Doubles add(Doubles a, Doubles b) { return _mm_add_pd(a, b); }
     static Doubles sub(Doubles a, Doubles b) { return _mm_sub_pd(a, b); }
@@ -104,6 +106,26 @@ struct SampleLanesSse2 {
     }
     static void storeFloats(float* p, Doubles v) {
         _mm_storel_pi(reinterpret_cast<__m64*>(p), _mm_cvtpd_ps(v));
+    }
+
+    static void storeAddresses(const std::uint8_t** out, const std::uint8_t* corner,
+                               const std::int32_t* ix, std::int32_t x, const std::int32_t* iy,
+                               std::int32_t y) {
+        const auto from = [](const std::int32_t* p, std::int32_t base) {
+            const __m128i places = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(p));
+            return _mm_sub_epi32(places, _mm_set1_epi32(base));
+        };
+        const __m128i offsets =
+            _mm_add_epi32(_mm_slli_epi32(from(iy, y), 9), _mm_slli_epi32(from(ix, x), 2));
+        const auto base = static_cast<std::int64_t>(reinterpret_cast<std::uintptr_t>(corner));
+        if constexpr (sizeof(corner) == 8)
+            _mm_storeu_si128(reinterpret_cast<__m128i*>(out),
+                             _mm_add_epi64(_mm_set1_epi64x(base),
+                                           _mm_unpacklo_epi32(offsets, _mm_setzero_si128())));
+        else
+            _mm_storel_epi64(
+                reinterpret_cast<__m128i*>(out),
+                _mm_add_epi32(_mm_set1_epi32(static_cast<std::int32_t>(base)), offsets));
     }
 };
 

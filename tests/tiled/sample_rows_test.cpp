@@ -6,6 +6,7 @@
 
 #include "image/filter/kernel_recipe.h"
 #include "support/test_seed.h"
+#include "tiled/bilinear_rows.h"
 #include "tiled/filter_factory.h"
 #include "tiled/resample_filter.h"
 #include "tiled/tile_regions.h"
@@ -30,11 +31,12 @@ Ref<znTiledImage::Image> edgyPicture(test::Random& random) {
 
 // Steps whose places fall on exact halves and quarters as well as any.
 SampleRow drawRow(test::Random& random, std::int32_t count) {
-    static constexpr double steps[] = {0, 1, -1, 0.5, 0.25, 2.0 / 3, 0.125, 3.75, -0.0001};
+    static constexpr double steps[] = {0,     1,    -1,      0.5, 0.25, 2.0 / 3,
+                                       0.125, 3.75, -0.0001, 9.5, -0.0};
     const auto any = [&] { return static_cast<double>(random() % 65536) / 65536; };
     SampleRow row{area.x - 5 + static_cast<double>(random() % 410),
-                  area.y - 5 + static_cast<double>(random() % 310), steps[random() % 9],
-                  steps[random() % 9], count};
+                  area.y - 5 + static_cast<double>(random() % 310), steps[random() % 11],
+                  steps[random() % 11], count};
     if (random() % 2) row.x += any();
     if (random() % 2) row.y += any();
     if (random() % 2) row.dx = any() * 2 - 1;
@@ -103,7 +105,7 @@ TEST(SampleRows, PlacesAreSumsRoundedAtEachStep) {
         using ResampleFilter::takePlaces;
     };
     test::Random random(brushwork::test::testSeed());
-    SampleChunk chunk;
+    BilinearChunk chunk;
     for (int round = 0; round < 100000; ++round) {
         const auto any = [&] {
             const double value = static_cast<double>(random()) / 65536.0 / 4096.0;
@@ -118,12 +120,16 @@ TEST(SampleRows, PlacesAreSumsRoundedAtEachStep) {
         double y = row.y;
         double atX = x;
         double atY = y;
-        const int count = 1 + static_cast<int>(random() % chunkPlaces);
+        const int count = 8 * (1 + static_cast<int>(random() % (chunkPlaces / 8)));
+        const BilinearRows& rows = round % 2 ? bilinearRowsSse2 : *bilinearRows();
         for (int part = 0; part < 3; ++part) {
             Open::takePlaces(row, count, atX, atY, chunk);
+            rows.locate(chunk, count);
             for (int n = 0; n < count; ++n, x += row.dx, y += row.dy) {
                 ASSERT_EQ(chunk.x[n], x) << row.x << " by " << row.dx << " number " << n;
                 ASSERT_EQ(chunk.y[n], y) << row.y << " by " << row.dy << " number " << n;
+                ASSERT_EQ(chunk.ix[n], std::floor(x + 0.5)) << x;
+                ASSERT_EQ(chunk.iy[n], std::floor(y + 0.5)) << y;
             }
             ASSERT_EQ(atX, x);
             ASSERT_EQ(atY, y);

@@ -9,7 +9,7 @@ namespace {
 VectorLevel widestLevel() noexcept {
 #if defined(__x86_64__) || defined(__i386__)
     __builtin_cpu_init();
-    if (__builtin_cpu_supports("avx2")) return VectorLevel::Avx2;
+    if (__builtin_cpu_supports("avx2") && __builtin_cpu_supports("fma")) return VectorLevel::Avx2;
     if (__builtin_cpu_supports("sse2")) return VectorLevel::Sse2;
 #endif
     return VectorLevel::Scalar;

@@ -7,6 +7,7 @@
 
 namespace brushwork {
 
+// Avx2 is AVX2 with FMA, which is only for what doesn't show in bytes.
 enum class VectorLevel { Scalar, Sse2, Avx2 };
 
 // The widest level of this processor, or the forced one. Any thread.
