@@ -80,6 +80,7 @@ void BicubicFilter::sampleRow4(std::uint8_t* out, const SampleRow& row) {
     double x = row.x;
     double y = row.y;
     BicubicChunk chunk;
+    lookAhead(row, chunk);
     std::uint8_t sampled[4 * chunkPlaces];
     for (std::int32_t done = 0; done < row.count; done += chunkPlaces, out += 4 * chunkPlaces) {
         const int count = std::min(row.count - done, chunkPlaces);
@@ -93,7 +94,7 @@ void BicubicFilter::sampleRow4(std::uint8_t* out, const SampleRow& row) {
         std::uint8_t* const to = count == whole ? out : sampled;
         const Unsettled unsettled = rows->sum(chunk, whole, to);
         const CubicSums& sums = *cubicSums(level);
-        const auto again = [&](std::uint32_t places, int odd) {
+        const auto again = [&](std::uint64_t places, int odd) {
             for (; places != 0; places &= places - 1) {
                 const int n = 2 * std::countr_zero(places) + odd;
                 sampleExactly(sums, chunk, n, to + 4 * n);
@@ -107,11 +108,9 @@ void BicubicFilter::sampleRow4(std::uint8_t* out, const SampleRow& row) {
 
 void BicubicFilter::sampleExactly(const CubicSums& sums, const BicubicChunk& chunk, int n,
                                   std::uint8_t* out) {
-    alignas(32) double wx[side];
-    alignas(32) double wy[side];
-    sums.weigh(first - ((chunk.x[n] - chunk.ix[n]) - 0.5), 1.0, side, wx);
-    sums.weigh(first - ((chunk.y[n] - chunk.iy[n]) - 0.5), 1.0, side, wy);
-    sums.sum4({chunk.first[n], blockStride, side, side, wx, wy, 1.0}, out);
+    sums.sample4({chunk.first[n], blockStride, first - ((chunk.x[n] - chunk.ix[n]) - 0.5),
+                  first - ((chunk.y[n] - chunk.iy[n]) - 0.5)},
+                 out);
 }
 
 }  // namespace brushwork

@@ -22,9 +22,9 @@ struct BicubicChunk : SampleChunk {
 
 // The places that aren't settled: bit n for number 2 n, and for number 2 n + 1.
 struct Unsettled {
-    std::uint32_t even = 0, odd = 0;
+    std::uint64_t even = 0, odd = 0;
 };
-static_assert(chunkPlaces <= 64);
+static_assert(chunkPlaces == 128);
 
 // `count` is a multiple of 8, at most chunkPlaces; places lie within 2^28 of zero.
 struct BicubicRows {

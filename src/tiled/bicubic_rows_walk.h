@@ -124,7 +124,10 @@ class BicubicWalk {
             L::storePixels(out, a.whole, b.whole);
             bits = L::storeBits(bits, a.unsettled, b.unsettled);
         }
-        return {L::bytesWith(lanes, 0x0F), L::bytesWith(lanes, 0xF0)};
+        const auto placesWith = [&](int some) {
+            return L::bytesWith(lanes, some) | std::uint64_t{L::bytesWith(lanes + 32, some)} << 32;
+        };
+        return {placesWith(0x0F), placesWith(0xF0)};
     }
 };
 

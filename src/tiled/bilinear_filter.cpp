@@ -62,6 +62,7 @@ void BilinearFilter::sampleRow4(std::uint8_t* out, const SampleRow& row) {
     double x = row.x;
     double y = row.y;
     BilinearChunk chunk;
+    lookAhead(row, chunk);
     std::uint8_t mixed[4 * chunkPlaces];
     for (std::int32_t done = 0; done < row.count; done += chunkPlaces, out += 4 * chunkPlaces) {
         const int count = std::min(row.count - done, chunkPlaces);

@@ -20,10 +20,19 @@ struct CubicBlock {
     double factor;
 };
 
+// A block of 4 by 4, and where its first column and row lie from the sample.
+struct CubicSample {
+    const std::uint8_t* first;
+    std::size_t stride;
+    double startX, startY;
+};
+
 struct CubicSums {
     // weights[i] = cubic((start + i) * scale). Writes up to a multiple of four.
     void (*weigh)(double start, double scale, std::int32_t count, double* weights);
     void (*sum4)(const CubicBlock& block, std::uint8_t* out);
+    // Both at once, unstretched.
+    void (*sample4)(const CubicSample& sample, std::uint8_t* out);
 };
 
 // Null at VectorLevel::Scalar.

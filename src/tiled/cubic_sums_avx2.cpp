@@ -39,6 +39,7 @@ struct Doubles {
 
 }  // namespace
 
-const CubicSums cubicSumsAvx2 = {&CubicSumsWalk<Doubles>::weigh, &CubicSumsWalk<Doubles>::sum4};
+const CubicSums cubicSumsAvx2 = {&CubicSumsWalk<Doubles>::weigh, &CubicSumsWalk<Doubles>::sum4,
+                                 &CubicSumsWalk<Doubles>::sample4};
 
 }  // namespace brushwork

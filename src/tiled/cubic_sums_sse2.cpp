@@ -58,6 +58,7 @@ struct Doubles {
 
 }  // namespace
 
-const CubicSums cubicSumsSse2 = {&CubicSumsWalk<Doubles>::weigh, &CubicSumsWalk<Doubles>::sum4};
+const CubicSums cubicSumsSse2 = {&CubicSumsWalk<Doubles>::weigh, &CubicSumsWalk<Doubles>::sum4,
+                                 &CubicSumsWalk<Doubles>::sample4};
 
 }  // namespace brushwork

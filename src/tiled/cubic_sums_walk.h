@@ -35,6 +35,15 @@ class CubicSumsWalk {
             cubic((D(start) + D::countFrom(i)) * D(scale)).store(weights + i);
     }
 
+    static void sample4(const CubicSample& sample, std::uint8_t* out) {
+        double weightsX[4];
+        double weightsY[4];
+        cubic(D(sample.startX) + D::countFrom(0)).store(weightsX);
+        cubic(D(sample.startY) + D::countFrom(0)).store(weightsY);
+        const D sum = sumOf({sample.first, sample.stride, 4, 4, weightsX, weightsY, 1.0}, 4, 4);
+        (sum + D(1e-8)).storeBytes(out);
+    }
+
     static void sum4(const CubicBlock& block, std::uint8_t* out) {
         noteKernelForm(D::level);
         // The size of most blocks, unrolled.

@@ -69,14 +69,19 @@ double stepsWithin(double place, double step, std::int32_t low, std::uint32_t si
 
 }  // namespace
 
+// The next row's line runs beside this one, as many rows on as this one runs columns, unless the
+// picture is mirrored or skewed.
+void ResampleFilter::lookAhead(const SampleRow& row, SampleChunk& chunk) {
+    constexpr auto stride = static_cast<std::ptrdiff_t>(blockStride);
+    std::ptrdiff_t rows = 0;
+    for (std::ptrdiff_t& ahead : chunk.ahead) {
+        ahead = row.dx < 0 ? -stride * (1 + rows) : stride * (4 + rows);
+        rows = static_cast<double>(rows + 1) < std::fabs(row.dx) ? rows + 1 : 0;
+    }
+}
+
 void ResampleFilter::takePlaces(const SampleRow& row, int count, double& x, double& y,
                                 SampleChunk& chunk) {
-    // The next row's line runs beside this one, as many rows on as this one runs columns, unless
-    // the picture is mirrored or skewed.
-    const int rows = std::max(1, static_cast<int>(std::ceil(std::fabs(row.dx))));
-    constexpr auto stride = static_cast<std::ptrdiff_t>(blockStride);
-    for (int i = 0; i < 4; ++i)
-        chunk.ahead[i] = row.dx < 0 ? -stride * (1 + i % rows) : stride * (4 + i % rows);
     chunk.alongX = takeSteps(x, row.dx, count, chunk.x);
     chunk.alongY = takeSteps(y, row.dy, count, chunk.y);
 }

@@ -92,6 +92,8 @@ class ResampleFilter : public Resource {
                  std::size_t stride) const;
     // Whether all places of a row are numbers within 2^28 of zero.
     [[nodiscard]] static bool isTame(const SampleRow& row);
+    // Sets what of the source will be needed after this row.
+    static void lookAhead(const SampleRow& row, SampleChunk& chunk);
     // The next places of a row, for a kernel to work out: `x` and `y` move on.
     static void takePlaces(const SampleRow& row, int count, double& x, double& y,
                            SampleChunk& chunk);

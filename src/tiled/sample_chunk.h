@@ -11,7 +11,7 @@
 
 namespace brushwork {
 
-constexpr int chunkPlaces = 64;
+constexpr int chunkPlaces = 128;
 constexpr std::size_t blockStride = 512;  // bytes from row to row
 
 // The places of a chunk along one axis.
