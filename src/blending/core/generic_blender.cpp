@@ -187,15 +187,10 @@ bool GenericBlender::isEmptyWork(const WorkRecord& work) const {
 }
 
 void GenericBlender::processRecord(std::int32_t index) {
-    blendRectangle(record(index));
+    blendRecord(record(index));
 }
 
-void GenericBlender::blend(const WorkRecord& work) {
-    prepareRun();
-    blendRectangle(work);
-}
-
-void GenericBlender::blendRectangle(const WorkRecord& work) const {
+void GenericBlender::blendRecord(const WorkRecord& work) const {
     Layout layout;
     if (!layoutOf(work, layout) || (skipEmpty_ && isEmptyWork(work))) return;
 

@@ -32,11 +32,6 @@ class GenericBlender : public Blender {
     void processHeld(const WorkRecord& page, const HeldBox& box) override;
 
   public:
-    // Blends one rectangle whose inputs are where the record says, in place of a run: for who walks
-    // over images itself and shares their parts among blenders of one mode. An input without a base
-    // isn't there, whatever is bound.
-    void blend(const WorkRecord& work);
-
     // An image and where its corner lies; null takes it away. The second destination holds the low
     // bytes and is always writable.
     virtual void setSecondDestination(ilImage* image, std::int32_t x, std::int32_t y);
@@ -57,6 +52,11 @@ class GenericBlender : public Blender {
 
   public:
     void setDestination(ilImage* image, std::int32_t x, std::int32_t y);
+    // For those who walk the images themselves: what a run does to one rectangle, from the record's
+    // inputs. Those of a constant source have a stride of 0. From prepareRecords() to the next
+    // change of a setting, and then from several threads at once.
+    void prepareRecords() { prepareRun(); }
+    void blendRecord(const WorkRecord& work) const;
     // A mask of bytes in plain memory in place of an image, until the next setMask: the first one
     // at (x, y), `stride` of them from row to row. Borrowed; runs must not lead beyond it.
     void setPlainMask(std::uint8_t* pixels, std::int32_t stride, std::int32_t x, std::int32_t y) {
@@ -109,7 +109,6 @@ class GenericBlender : public Blender {
     void setOpacityAt(std::size_t index, float value, std::uint32_t& fixed);
     [[nodiscard]] static bool layoutOf(const WorkRecord& record, Layout& layout);
     [[nodiscard]] bool isEmptyWork(const WorkRecord& work) const;
-    void blendRectangle(const WorkRecord& work) const;
     void prepareHeld(const WorkRecord& page);
 
     std::uint32_t opacity16_ = 65535, opacity2_ = 65535, opacity3_ = 65535;

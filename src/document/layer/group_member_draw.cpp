@@ -4,6 +4,7 @@
 #include "blending/paint/soft_paint_ops.h"
 #include "document/layer/changed_area.h"
 #include "document/layer/layer_boxes.h"
+#include "document/layer/prepared_blend.h"
 
 namespace brushwork {
 namespace {
@@ -13,10 +14,6 @@ struct MemberSource {
     Ref<ilImage> image;
     std::int32_t x = 0, y = 0;
 };
-
-bool keepsUnderNothing(std::int32_t mode) {
-    return mode < static_cast<std::int32_t>(BlendModeId::Replace);
-}
 
 Ref<ilSmartImage> blankColors() {
     return Ref<ilSmartImage>(new ilSmartImage(ilPixel(TypeUChar, 4)));
@@ -111,7 +108,19 @@ std::shared_ptr<npc::GenericBlender> blenderFor(std::int32_t mode, const MemberT
 
 }  // namespace
 
-void drawMember(Layer& layer, const MemberTarget& target, float opacity) {
+void MemberPile::put(ilSmartImage& color, Layer& layer, float opacity, const npc::TileSet& parts) {
+    PreparedBlend::Placed source{&color, 0, 0};
+    layer.offsetInt(&source.x, &source.y);
+    PreparedBlend& blend = blends_.emplace_back(source, layer.blendMode(), opacity);
+    for (const ilTile& part : parts) blend.putOn(pile_, part);
+}
+
+void MemberPile::run() {
+    pile_.run();
+    blends_.clear();
+}
+
+void drawMember(Layer& layer, const MemberTarget& target, float opacity, MemberPile& pile) {
     const auto blender = blenderFor(layer.blendMode(), target, opacity);
     if (!blender) return;
     layer.prepareForRender(nullptr, false);
@@ -123,11 +132,13 @@ void drawMember(Layer& layer, const MemberTarget& target, float opacity) {
     const bool cut = !stroke && keepsUnderNothing(layer.blendMode()) && !coversGround(*color);
     const npc::TileSet parts = partsOf(target.area, box, cut);
     if (parts.empty()) return;
-    if (layer.role() == LayerRole::Paint) layer.refreshClip();
-    // A colour that is blended as it stands needs no drawing, however its parts lie.
-    const bool drawsItself = layer.wet().image || stroke || !layer.isEmptyMask() ||
-                             layer.role() != LayerRole::Paint || color->channels() == 1;
-    if (!drawsItself || !isScattered(parts)) {
+    const bool paints = layer.role() == LayerRole::Paint;
+    if (paints && !stroke)
+        if (ilSmartImage* const plain = plainColor(layer))
+            return pile.put(*plain, layer, opacity, parts);
+    pile.run();
+    if (paints) layer.refreshClip();
+    if (!isScattered(parts)) {
         blend(*blender, sourceOf(layer, target.request, boundsOfParts(parts)), parts);
         return;
     }

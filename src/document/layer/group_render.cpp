@@ -39,6 +39,7 @@ bool takesPart(Layer& child, const GroupRenderRequest& request) {
 }
 
 void drawMembers(LayerGroup& group, const MemberTarget& target) {
+    MemberPile pile(target);
     for (Layer* child = group.firstChild(); child; child = child->next.get()) {
         if (!takesPart(*child, target.request)) continue;
         GroupRenderRequest inner = target.request;
@@ -48,8 +49,11 @@ void drawMembers(LayerGroup& group, const MemberTarget& target) {
                                   : child->opacity();
         LayerGroup* const childGroup = child->asGroup();
         if (!childGroup) {
-            drawMember(*child, target, opacity);
-        } else if (childGroup->isPassThrough()) {
+            drawMember(*child, target, opacity, pile);
+            continue;
+        }
+        pile.run();
+        if (childGroup->isPassThrough()) {
             inner.target = Ref<ilImage>(&target.image);
             inner.originIsSet = true;
             inner.originX = -target.x;
@@ -65,6 +69,7 @@ void drawMembers(LayerGroup& group, const MemberTarget& target) {
                 drawMemberCache(*child, *cache, target, opacity);
         }
     }
+    pile.run();
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 #include "document/stack/blend_run.h"
 
 #include "blending/modes/blender_registry.h"
+#include "document/layer/prepared_blend.h"
 
 namespace brushwork {
 namespace {
@@ -10,6 +11,12 @@ constexpr std::int32_t pixelsOfAPage = 128;
 bool hasClearFill(ilSmartImage& source) {
     const ilPixel fill = source.fill();
     return fill.channel(fill.channels() - 1) == 0.0;
+}
+
+// Pages that nobody has touched show the fill.
+bool isKnownClear(ilSmartImage& source, const ilTile& box) {
+    const AlphaClass known = source.alphaClassOf(box, false);
+    return known == AlphaClass::Clear || (known == AlphaClass::NoPage && hasClearFill(source));
 }
 
 std::int32_t floorToPage(std::int32_t place) {
@@ -42,8 +49,7 @@ void addFilledParts(ilSmartImage& source, const BlendRun& run, const ilTile& box
 
 std::uint64_t runCount = 0;
 
-}  // namespace
-
+// Its images bound; null for a mode that is none.
 std::shared_ptr<npc::GenericBlender> blenderOf(const BlendRun& run) {
     auto blender = npc::createBlender(run.mode);
     if (!blender) return nullptr;
@@ -54,18 +60,10 @@ std::shared_ptr<npc::GenericBlender> blenderOf(const BlendRun& run) {
     return blender;
 }
 
-// Pages that nobody has touched show the fill.
-bool isKnownClear(ilSmartImage& source, const ilTile& box) {
-    const AlphaClass known = source.alphaClassOf(box, false);
-    return known == AlphaClass::Clear || (known == AlphaClass::NoPage && hasClearFill(source));
-}
+}  // namespace
 
 void noteBlendRun() {
     ++runCount;
-}
-
-bool keepsUnderNothing(std::int32_t mode) {
-    return mode < static_cast<std::int32_t>(BlendModeId::Replace);
 }
 
 std::uint64_t blendRunCount() {

@@ -8,7 +8,6 @@
 #pragma once
 
 #include <cstdint>
-#include <memory>
 
 #include "blending/core/generic_blender.h"
 #include "brushwork/il_tile.h"
@@ -28,19 +27,11 @@ struct BlendRun {
     float opacity = 1.0f;
 };
 
-// Whether a source of nothing leaves the target as it is under a mode: what layers are meant to
-// have.
-[[nodiscard]] bool keepsUnderNothing(std::int32_t mode);
-
 // False, with nothing drawn, for a mode that is none, and if nothing is left to draw.
 bool blend(const BlendRun& run, const ilTile& box);
 bool blend(const BlendRun& run, const npc::TileSet& boxes);
 
-// The blender of such a run, its images bound; null for a mode that is none.
-[[nodiscard]] std::shared_ptr<npc::GenericBlender> blenderOf(const BlendRun& run);
-// Whether pages that nobody has touched, or that are known to be empty, are all that is there.
-[[nodiscard]] bool isKnownClear(ilSmartImage& source, const ilTile& box);
-// Counts a run that was made by such a blender.
+// Counts a run that was made otherwise.
 void noteBlendRun();
 
 // Runs that drew something, since the process began. For cost models and tests.

@@ -1,6 +1,9 @@
 #include "document/stack/stack_compose.h"
 
+#include <deque>
+
 #include "blending/paint/soft_paint_ops.h"
+#include "document/layer/prepared_blend.h"
 #include "document/stack/blend_run.h"
 #include "document/stack/stack_caches.h"
 #include "document/stack/stack_draw.h"
@@ -12,14 +15,20 @@ namespace {
 
 constexpr std::size_t tilesAtOnce = 16;
 
-// A run over the dirty tiles: the target's pixel (0, 0) stands at minus the canvas origin.
+// A run over the dirty tiles: the target's pixel (0, 0) stands at minus the canvas origin. What is
+// blended as it stands waits on the pile for what lies over it.
 struct Composer {
     StackParts& stack;
     PaintOps& target;
     npc::TileSet tiles;
     LayerDraw draw;
+    npc::BlendPile pile;
+    std::deque<PreparedBlend> piled;
 
-    Composer(StackParts& parts, PaintOps& painter) : stack(parts), target(painter) {
+    Composer(StackParts& parts, PaintOps& painter)
+        : stack(parts),
+          target(painter),
+          pile(*painter.image(), -parts.plane.originX, -parts.plane.originY) {
         draw.box = parts.plane.canvasBounds;
         draw.useOrigin = true;
         draw.originX = parts.plane.originX;
@@ -32,9 +41,25 @@ struct Composer {
                 flatTile(tile.x + draw.originX, tile.y + draw.originY, tile.nx, tile.ny),
                 ilPixel(TypeUChar, 4, &pixel));
     }
-    void run(ilImage& source, std::int32_t mode, std::int32_t x = 0, std::int32_t y = 0,
-             float opacity = 1.0f) {
-        blend({target.image(), -draw.originX, -draw.originY, &source, x, y, mode, opacity}, tiles);
+    void put(const PreparedBlend::Placed& source, BlendModeId mode, float opacity = 1.0f) {
+        PreparedBlend& blend = piled.emplace_back(source, static_cast<std::int32_t>(mode), opacity);
+        bool drawn = false;
+        for (const ilTile& tile : tiles) drawn = blend.putOn(pile, tile) || drawn;
+        if (drawn) noteBlendRun();
+    }
+    // False for a layer that isn't blended as it stands.
+    bool putPlain(Layer& layer) {
+        if (layer.asGroup() || (layer.flags() & draw.flagMask) == 0) return false;
+        ilSmartImage* const color = plainColor(layer);
+        if (!color) return false;
+        PreparedBlend::Placed source{color, 0, 0};
+        layer.offsetInt(&source.x, &source.y);
+        put(source, static_cast<BlendModeId>(layer.blendMode()), layer.inheritedOpacity());
+        return true;
+    }
+    void runPile() {
+        pile.run();
+        piled.clear();
     }
 
     void compose(const ilPageTileManager& dirty, ilSmartImage* above, ilSmartImage* below,
@@ -45,6 +70,7 @@ struct Composer {
         lower(below);
         middle(useMask, withSelection);
         upper(above, withSelection);
+        runPile();
     }
     void lower(ilSmartImage* below);
     void middle(bool useMask, bool withTints);
@@ -55,7 +81,7 @@ struct Composer {
 void Composer::lower(ilSmartImage* below) {
     const bool transparent = stack.display.checkerboard && stack.plane.surfaceIsTransparent();
     if (below)
-        run(*below, static_cast<std::int32_t>(BlendModeId::Replace));
+        put({below, 0, 0}, BlendModeId::Replace);
     else
         fill(transparent ? 0 : backgroundPixel(stack));
 }
@@ -77,6 +103,8 @@ void Composer::middle(bool useMask, bool withTints) {
     const bool shows = withTints || active->role() == LayerRole::Paint;
     if (!shows && active == outer) return;
     MaskingPaintOps* const pending = useMask ? pendingPainter(stack) : nullptr;
+    if (active == outer && !pending && putPlain(*active)) return;
+    runPile();
     if (pending && active == outer && !active->asGroup()) {
         maskedStroke(*active, *pending);
         return;
@@ -118,13 +146,18 @@ bool drawsPlainly(const StackParts& stack) {
 // The selection lies over them however they are drawn.
 void Composer::upper(ilSmartImage* above, bool withSelection) {
     if (stack.caches.aboveIsSimple) {
-        if (above) run(*above, static_cast<std::int32_t>(BlendModeId::Normal));
+        if (above) put({above, 0, 0}, BlendModeId::Normal);
         return;
     }
     draw.refreshThumbnail = stack.damage.thumbnailsWanted;
-    for (Layer* layer = firstAbove(stack); layer; layer = layer->next.get())
-        if (isDrawnAbove(stack, *layer, withSelection)) drawLayer(stack, layer, target, draw);
+    for (Layer* layer = firstAbove(stack); layer; layer = layer->next.get()) {
+        if (!isDrawnAbove(stack, *layer, withSelection)) continue;
+        if (!draw.refreshThumbnail && putPlain(*layer)) continue;
+        runPile();
+        drawLayer(stack, layer, target, draw);
+    }
     draw.refreshThumbnail = false;
+    runPile();
     if (showsSelection(stack, withSelection))
         drawLayer(stack, stack.selection.layer.get(), target, draw);
 }

@@ -9,8 +9,8 @@
 #include "document/layer/changed_area.h"
 #include "document/layer/document_switches.h"
 #include "document/layer/layer_boxes.h"
+#include "document/layer/prepared_blend.h"
 #include "document/stack/blend_run.h"
-#include "document/stack/prepared_blend.h"
 #include "document/stack/stack_lookup.h"
 #include "document/stack/stack_raster.h"
 
@@ -78,8 +78,9 @@ npc::TileSet boxesOf(const LayerDraw& draw, const ilTile& area) {
     return boxes;
 }
 
-// Blocks of whole pages that fit beside their sources into a core's cache.
+// Blocks of whole pages.
 constexpr std::int32_t blockX = 512, blockY = 256;
+constexpr std::int32_t cellSide = npc::BlendPile::cellSide;
 
 // One of several plain layers that are drawn together.
 struct BlockLayer {
@@ -88,81 +89,107 @@ struct BlockLayer {
     ilTile area;
 };
 
-BlockLayer blockLayer(Layer& layer, ilImage& target, const LayerDraw& draw) {
+BlockLayer blockLayer(Layer& layer, const LayerDraw& draw) {
     BlockLayer ready{&layer, {}, {}};
-    layer.prepareForRender(nullptr, false);
-    layer.refreshClip();
-    ilSmartImage* const color = layer.smartColor();
-    const bool asItStands = color && color->channels() == 4 && !layer.wet().image &&
-                            layer.role() == LayerRole::Paint && layer.isEmptyMask();
-    if (!asItStands || (layer.flags() & draw.flagMask) == 0 || draw.useOrigin || draw.clipLayer)
+    ilSmartImage* const color = plainColor(layer);
+    if (!color || (layer.flags() & draw.flagMask) == 0 || draw.useOrigin || draw.clipLayer)
         return ready;
-    BlendRun run;
-    run.target = &target;
-    run.source = color;
-    layer.offsetInt(&run.sourceX, &run.sourceY);
-    run.mode = layer.blendMode();
-    run.opacity = draw.ownOpacity ? layer.opacity() : layer.inheritedOpacity();
-    ready.blend.emplace(run, *color);
+    PreparedBlend::Placed source{color, 0, 0};
+    layer.offsetInt(&source.x, &source.y);
+    ready.blend.emplace(source, layer.blendMode(),
+                        draw.ownOpacity ? layer.opacity() : layer.inheritedOpacity());
     ready.area = areaOf(layer, draw.box);
     return ready;
 }
 
-constexpr std::int32_t pageX = 128, pageY = 128;
+// A place of one page of the target where layers are drawn.
+struct BlockCell {
+    ilTile box;
+    std::size_t lowest = 0;  // of the layers that show there
+    bool hides = false;      // the lowest one does, all below
+};
 
-// In each page of the block from the topmost layer on that hides all below it there.
-bool drawBlock(StackParts& stack, std::span<BlockLayer> layers, PaintOps& target,
-               const LayerDraw& draw) {
-    struct Cell {
-        ilTile box;
-        std::size_t lowest = 0;  // of the layers that show there
-        bool hides = false;      // the lowest one does, all below
-    };
-    std::vector<Cell> cells;
-    for (std::int32_t y = draw.box.y & ~(pageY - 1); y < draw.box.endY(); y += pageY)
-        for (std::int32_t x = draw.box.x & ~(pageX - 1); x < draw.box.endX(); x += pageX)
-            cells.push_back({intersection(flatTile(x, y, pageX, pageY), draw.box)});
-    std::size_t first = layers.size();
-    for (Cell& cell : cells) {
-        for (std::size_t n = layers.size(); n-- > 0 && !cell.hides;) {
-            BlockLayer& each = layers[n];
-            cell.hides = each.blend && each.area.contains(cell.box) && each.blend->hides(cell.box);
-            cell.lowest = cell.hides ? n : 0;
-        }
-        first = std::min(first, cell.lowest);
+// From the topmost layer on that hides all below it there.
+std::size_t findLowest(BlockCell& cell, std::span<BlockLayer> layers) {
+    for (std::size_t n = layers.size(); n-- > 0 && !cell.hides;) {
+        BlockLayer& each = layers[n];
+        cell.hides = each.blend && each.area.contains(cell.box) && each.blend->hides(cell.box);
+        cell.lowest = cell.hides ? n : 0;
     }
+    return cell.lowest;
+}
+
+bool drawBlock(StackParts& stack, std::span<BlockLayer> layers, PaintOps& target,
+               const LayerDraw& draw, std::span<BlockCell> cells) {
+    std::size_t first = layers.size();
+    for (BlockCell& cell : cells) first = std::min(first, findLowest(cell, layers));
+    npc::BlendPile pile(*target.image(), 0, 0);
     bool drawn = false;
     for (std::size_t n = first; n < layers.size(); ++n) {
         BlockLayer& each = layers[n];
         if (!each.blend) {
+            pile.run();
             drawn = drawLayer(stack, each.layer, target, draw) || drawn;
             continue;
         }
-        for (const Cell& cell : cells) {
+        bool shows = false;
+        for (const BlockCell& cell : cells) {
             const ilTile part = intersection(cell.box, each.area);
             if (n < cell.lowest || part.isEmpty()) continue;
             const bool replaces = cell.hides && n == cell.lowest;
-            if (!replaces || !each.blend->share(part)) each.blend->add(part);
+            shows = (replaces && each.blend->shareWith(*target.image(), part)) ||
+                    each.blend->putOn(pile, part) || shows;
         }
-        drawn = each.blend->run() || drawn;
+        if (shows) noteBlendRun();
+        drawn = drawn || shows;
     }
+    pile.run();
     return drawn;
+}
+
+// The cells of a box, block by block.
+std::vector<std::vector<BlockCell>> blocksOf(const ilTile& box) {
+    std::vector<std::vector<BlockCell>> blocks;
+    for (std::int32_t y = box.y & -blockY; y < box.endY(); y += blockY)
+        for (std::int32_t x = box.x & -blockX; x < box.endX(); x += blockX) {
+            const ilTile block = intersection(flatTile(x, y, blockX, blockY), box);
+            std::vector<BlockCell>& cells = blocks.emplace_back();
+            for (std::int32_t cy = block.y & -cellSide; cy < block.endY(); cy += cellSide)
+                for (std::int32_t cx = block.x & -cellSide; cx < block.endX(); cx += cellSide)
+                    cells.push_back({intersection(flatTile(cx, cy, cellSide, cellSide), block)});
+        }
+    return blocks;
+}
+
+// And those of tiles, some at a time.
+std::vector<std::vector<BlockCell>> blocksOf(const ilPageTileManager& tiles, const ilTile& box) {
+    constexpr std::size_t cellsPerBlock = blockX / cellSide * (blockY / cellSide);
+    std::vector<std::vector<BlockCell>> blocks;
+    for (const ilTile& tile : tilesOf(tiles, box)) {
+        if (blocks.empty() || blocks.back().size() == cellsPerBlock) blocks.emplace_back();
+        blocks.back().push_back({tile});
+    }
+    return blocks;
 }
 
 bool drawBlocks(StackParts& stack, std::span<Layer* const> layers, PaintOps& target,
                 const LayerDraw& whole) {
     LayerDraw draw = whole;
     draw.refreshThumbnail = false;
-    bool drawn = false;
-    const ilTile& box = whole.box;
     std::vector<BlockLayer> ready;
     ready.reserve(layers.size());
-    for (Layer* layer : layers) ready.push_back(blockLayer(*layer, *target.image(), whole));
-    for (std::int32_t y = box.y & ~(blockY - 1); y < box.endY(); y += blockY)
-        for (std::int32_t x = box.x & ~(blockX - 1); x < box.endX(); x += blockX) {
-            draw.box = intersection(flatTile(x, y, blockX, blockY), box);
-            drawn = drawBlock(stack, ready, target, draw) || drawn;
+    for (Layer* layer : layers) ready.push_back(blockLayer(*layer, whole));
+    bool drawn = false;
+    for (auto& cells : whole.tiles ? blocksOf(*whole.tiles, whole.box) : blocksOf(whole.box)) {
+        ilPageTileManager tiles;
+        draw.box = {};
+        for (const BlockCell& cell : cells) {
+            draw.box = unionOf(draw.box, cell.box);
+            if (whole.tiles) tiles.addTile(cell.box);
         }
+        if (whole.tiles) draw.tiles = &tiles;
+        drawn = drawBlock(stack, ready, target, draw, cells) || drawn;
+    }
     if (whole.refreshThumbnail)
         for (Layer* layer : layers) static_cast<void>(layer->thumbnailImage(nullptr, 0, 0));
     return drawn;
@@ -287,7 +314,7 @@ bool drawLayers(StackParts& stack, std::span<Layer* const> layers, PaintOps& tar
     while (!layers.empty()) {
         const auto end = std::find_if_not(layers.begin(), layers.end(), isPlain);
         const auto plain = static_cast<std::size_t>(end - layers.begin());
-        if (plain < 2 || draw.tiles) {
+        if (plain == 0) {
             drawn = drawLayer(stack, layers.front(), target, draw) || drawn;
             layers = layers.subspan(1);
             continue;

@@ -1,5 +1,7 @@
 #include "image/cache/page_kernels.h"
 
+#include "image/cache/smart_page.h"
+
 namespace brushwork {
 namespace {
 
@@ -24,9 +26,18 @@ bool alphaIs(const std::uint32_t* pixels, std::size_t count, std::uint8_t alpha)
     return true;
 }
 
+std::uint64_t filledCells(const std::uint32_t* pixels) {
+    noteKernelForm(VectorLevel::Scalar);
+    std::uint64_t cells = 0;
+    for (unsigned y = 0; y < pageSide; ++y)
+        for (unsigned x = 0; x < pageSide; ++x)
+            if (pixels[y * pageSide + x] != 0) cells |= std::uint64_t{1} << (x / 16 + y / 16 * 8);
+    return cells;
+}
+
 }  // namespace
 
-const PageKernels pageKernelsScalar = {uniform32, uniform8, alphaIs};
+const PageKernels pageKernelsScalar = {uniform32, uniform8, alphaIs, filledCells};
 
 const PageKernels& pageKernels(VectorLevel level) {
     switch (level) {

@@ -14,6 +14,8 @@ struct PageKernels {
     bool (*uniform8)(const std::uint8_t* pixels, std::size_t count);
     // Whether the highest byte of all words is `alpha`.
     bool (*alphaIs)(const std::uint32_t* pixels, std::size_t count, std::uint8_t alpha);
+    // Of a whole page: the cells of 16 by 16 words that aren't all 0, bit x / 16 + y / 16 * 8.
+    std::uint64_t (*filledCells)(const std::uint32_t* pixels);
 };
 
 // `pixels` is aligned as its type, no more. The wider forms read nothing that the plain one

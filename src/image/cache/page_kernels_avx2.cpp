@@ -28,6 +28,7 @@ using Walk = PageKernelWalk<Vectors32>;
 
 }  // namespace
 
-const PageKernels pageKernelsAvx2 = {Walk::uniform32, Walk::uniform8, Walk::alphaIs};
+const PageKernels pageKernelsAvx2 = {Walk::uniform32, Walk::uniform8, Walk::alphaIs,
+                                     Walk::filledCells};
 
 }  // namespace brushwork

@@ -28,6 +28,7 @@ using Walk = PageKernelWalk<Vectors16>;
 
 }  // namespace
 
-const PageKernels pageKernelsSse2 = {Walk::uniform32, Walk::uniform8, Walk::alphaIs};
+const PageKernels pageKernelsSse2 = {Walk::uniform32, Walk::uniform8, Walk::alphaIs,
+                                     Walk::filledCells};
 
 }  // namespace brushwork

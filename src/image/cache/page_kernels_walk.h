@@ -49,8 +49,27 @@ class PageKernelWalk {
         return true;
     }
 
+    // Of a cell no more is looked at than shows it to be filled.
+    static std::uint64_t filledCells(const std::uint32_t* pixels) {
+        noteKernelForm(Vectors::level);
+        std::uint64_t cells = 0;
+        for (unsigned cell = 0; cell < 64; ++cell) {
+            const std::uint8_t* row = bytesOf(pixels) + cell / 8 * (16 * rowBytes) + cell % 8 * 64;
+            for (int y = 0; y < 16; ++y, row += rowBytes) {
+                Vector bits = Vectors::load(row);
+                for (std::size_t i = step; i < 64; i += step)
+                    bits = Vectors::either(bits, Vectors::load(row + i));
+                if (!Vectors::any(bits)) continue;
+                cells |= std::uint64_t{1} << cell;
+                break;
+            }
+        }
+        return cells;
+    }
+
   private:
     using Vector = typename Vectors::Vector;
+    static constexpr std::size_t rowBytes = 4 * 128;
     static constexpr std::size_t step = Vectors::bytes;
 
     static const std::uint8_t* bytesOf(const std::uint32_t* pixels) {

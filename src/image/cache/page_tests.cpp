@@ -118,4 +118,8 @@ AlphaClass alphaClassOfPart(const SmartPage& page, std::int32_t x, std::int32_t 
     return page.inMemory() && page.data ? classOfBox(page, part) : AlphaClass::Mixed;
 }
 
+std::uint64_t filledCellsOf(const SmartPage& page) {
+    return pageKernels().filledCells(wordsOf(page));
+}
+
 }  // namespace brushwork

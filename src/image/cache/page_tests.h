@@ -25,4 +25,8 @@ namespace brushwork {
 [[nodiscard]] AlphaClass alphaClassOfPart(const SmartPage& page, std::int32_t x, std::int32_t y,
                                           std::int32_t nx, std::int32_t ny);
 
+// Which of its cells hold something other than 0 (SmartPage::filledCells), by the pixels of a page
+// of 4 channels in memory. Doesn't touch what is kept there.
+[[nodiscard]] std::uint64_t filledCellsOf(const SmartPage& page);
+
 }  // namespace brushwork

@@ -52,12 +52,14 @@ struct SmartPage {
     PendingRead* pending = nullptr;         // state 6; owned
     SwapRecord* swapRecord = nullptr;       // state 2; in state 1: the same pixels on disk
     const SmartPage* sourcePage = nullptr;  // what it was cloned from; compared, never followed
+    // In memory or swapped, of 4 channels: the cells of 16 by 16 pixels that hold something other
+    // than 0, bit x / 16 + y / 16 * 8. 0: nobody has looked since it was written.
+    std::uint64_t filledCells = 0;
     std::uint32_t magic = liveSignature;
     std::uint32_t solid = 0;     // state 3; the low byte for one channel
     std::int32_t userLocks = 0;  // by lockPages
     std::int32_t refCount = 0;   // SmartPageRefs
     std::uint32_t stamp = 0;     // of its last use; after release the reason
-    std::uint32_t reserved[2] = {};
     PageState state = PageState::Invalid;
     AlphaClass alphaClass = AlphaClass::Mixed;
     std::int32_t pins = 0;         // above 0 the allocator leaves it alone

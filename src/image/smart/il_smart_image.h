@@ -109,6 +109,15 @@ class ilSmartImage : public ilSIDImage, private PageSource {
     // The class that all pages of the box share; Mixed if they differ, NoPage if there is none.
     // Only known classes count unless `force` has unknown ones looked at.
     [[nodiscard]] AlphaClass alphaClassOf(const ilTile& box, bool force);
+    // What the page that holds a pixel shows, of 4 channels: looked at once after each write. A
+    // page that somebody may be writing to isn't looked at.
+    struct PageLook {
+        bool isSolid = false;
+        std::uint32_t solid = 0;
+        // Cells with something other than 0, as in SmartPage; those that aren't known count.
+        std::uint64_t filledCells = ~std::uint64_t{0};
+    };
+    [[nodiscard]] PageLook lookAtPage(std::int32_t x, std::int32_t y);
     // Repairs pixels whose colours exceed their alpha, as far as the image shows what was meant.
     void sanitizeAlpha();
     void prefetch(const ilTile& box);

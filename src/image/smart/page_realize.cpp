@@ -165,6 +165,7 @@ bool makePageSolid(SmartPageRef& slot, std::uint32_t value) {
 
 void notePageWritten(SmartPage& page) {
     page.alphaClass = AlphaClass::Mixed;
+    page.filledCells = 0;
     page.clean = 0;
     page.cloned = 0;
 }

@@ -41,7 +41,8 @@ enum class RealizeMode : std::int32_t {
 // The slot gets a solid page of this value that nobody else holds. If its page is hard-locked the
 // slot's page has the value in all pixels instead.
 [[nodiscard]] bool makePageSolid(SmartPageRef& slot, std::uint32_t value);
-// After a write into a page that was realized for it: alphaClass, clean and cloned fall to 0.
+// After a write into a page that was realized for it: alphaClass, filledCells, clean and cloned
+// fall to 0.
 void notePageWritten(SmartPage& page);
 
 }  // namespace brushwork

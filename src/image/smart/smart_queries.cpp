@@ -121,6 +121,32 @@ bool ilSmartImage::isSolid(const ilTile& box, std::uint32_t& value, bool realize
     return !first;
 }
 
+// What was kept about a page holds for it in the swap file, too.
+ilSmartImage::PageLook ilSmartImage::lookAtPage(std::int32_t x, std::int32_t y) {
+    const ImageLockScope lock;
+    PageLook look;
+    SmartPageRef* const slot = channels_ == 4 && beginOperation() == ImageOk
+                                   ? pages_.pageRef(x & pageMask, y & pageMask, false)
+                                   : nullptr;
+    if (!slot) return look;
+    const bool isKnown = (*slot)->filledCells != 0 && !(*slot)->isSolid();
+    if (!isKnown && !realizePage(*slot, RealizeMode::Read)) return look;
+    SmartPage& page = **slot;
+    if (page.isSolid()) {
+        look.isSolid = true;
+        look.solid = page.solid;
+        look.filledCells = page.solid != 0 ? look.filledCells : 0;
+    } else if (page.alphaClass == AlphaClass::Clear) {
+        look.filledCells = 0;
+    } else if (isKnown) {
+        look.filledCells = page.filledCells;
+    } else if (page.cacheLocks == 0) {
+        look.filledCells = page.filledCells = filledCellsOf(page);
+        if (look.filledCells == 0) page.alphaClass = AlphaClass::Clear;
+    }
+    return look;
+}
+
 void ilSmartImage::prefetch(const ilTile& box) {
     const ImageLockScope lock;
     if (beginOperation() == ImageOk) prefetchPages(pages_, SmartBounds::clipped(box));

@@ -157,7 +157,8 @@ void StampBatch::layRows(GenericBlender& blender, const Part& part, std::int64_t
     for (WorkPlane& plane : rows.planes)
         if (plane.base) plane.base = plane.row(up);
     setStampValues(blender, stamps_[part.stamp].stamp.point);
-    blender.blend(rows);
+    blender.prepareRecords();
+    blender.blendRecord(rows);
 }
 
 // There is one for each thread that may come, so the search ends.

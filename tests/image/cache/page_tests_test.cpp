@@ -47,6 +47,26 @@ TEST(PageKernels, AgreeWithThePlainForm) {
     }
 }
 
+// A few odd words in an empty or nearly full page.
+TEST(PageKernels, FindWhichCellsAreFilled) {
+    Random random(23);
+    std::vector<std::uint32_t> words(pagePixels);
+    for (const VectorLevel level : test::vectorLevels()) {
+        for (int round = 0; round < 60; ++round) {
+            std::fill(words.begin(), words.end(), 0U);
+            std::uint64_t wanted = 0;
+            for (auto n = random() % 40; n > 0; --n) {
+                const std::size_t at = random() % words.size();
+                words[at] = 1U << random() % 32;
+                wanted |= std::uint64_t{1} << (at % 128 / 16 + at / 128 / 16 * 8);
+            }
+            EXPECT_EQ(pageKernels(level).filledCells(words.data()), wanted)
+                << vectorLevelName(level) << " round " << round;
+            EXPECT_EQ(lastKernelForm(), level);
+        }
+    }
+}
+
 struct Holder {
     explicit Holder(std::uint8_t channels) : pixels(std::size_t{pagePixels} * channels / 4 + 1) {
         page.channels = channels;

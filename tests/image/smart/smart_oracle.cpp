@@ -367,6 +367,7 @@ void SmartOracle::ask() {
     const ilTile area = chance(50) ? box() : smallBox();
     std::uint32_t got = 0, wanted = 0;
     told("ask about " + textOf(area) + " of " + of.model->describe());
+    if (chance(30)) return lookAtPage(of, area.x, area.y);
     if (chance(50)) {
         const bool solid = of.real->isSolid(area, got, true);
         expect(solid == of.model->isSolid(area, wanted) && (!solid || got == wanted), "solid");
@@ -376,6 +377,20 @@ void SmartOracle::ask() {
     const std::int32_t right = of.model->alphaClass(area);
     // Each page has a class; a box of two mixed pages is mixed.
     expect(known == right, "alpha class " + std::to_string(known));
+}
+
+// What it calls empty has no alpha.
+void SmartOracle::lookAtPage(Node& of, std::int32_t x, std::int32_t y) {
+    const ilSmartImage::PageLook look = of.real->lookAtPage(x, y);
+    bool right = true;
+    for (std::int32_t row = 0; row < pageSide; ++row)
+        for (std::int32_t column = 0; column < pageSide; ++column) {
+            const std::uint32_t pixel =
+                of.model->pixel((x & pageMask) + column, (y & pageMask) + row);
+            const bool filled = (look.filledCells >> (column / 16 + row / 16 * 8) & 1) != 0;
+            right = right && (filled || pixel >> 24 == 0) && (!look.isSolid || pixel == look.solid);
+        }
+    expect(right, "cells " + std::to_string(look.filledCells));
 }
 
 void SmartOracle::sanitize() {

@@ -76,6 +76,7 @@ class SmartOracle {
     void bounds();
     void shrink();
     void ask();
+    void lookAtPage(Node& of, std::int32_t x, std::int32_t y);
     void sanitize();
     void cloneImage();
     void adopt(Node& node);
