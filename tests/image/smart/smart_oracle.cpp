@@ -367,7 +367,7 @@ void SmartOracle::ask() {
     const ilTile area = chance(50) ? box() : smallBox();
     std::uint32_t got = 0, wanted = 0;
     told("ask about " + textOf(area) + " of " + of.model->describe());
-    if (chance(30)) return lookAtPage(of, area.x, area.y);
+    if (of.model->channels() == 4 && chance(30)) return lookAtPage(of, area.x, area.y);
     if (chance(50)) {
         const bool solid = of.real->isSolid(area, got, true);
         expect(solid == of.model->isSolid(area, wanted) && (!solid || got == wanted), "solid");
