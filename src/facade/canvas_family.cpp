@@ -82,7 +82,7 @@ std::int32_t CanvasFamily::duplicateCanvas(std::int32_t canvas) {
 }
 
 bool CanvasFamily::scaleCanvas(std::int32_t canvas, float scale, std::int32_t filter) {
-    const LayerStack* const before = state_.stackAt(canvas);
+    LayerStack* const before = state_.stackAt(canvas);
     // The curves of shapes are the host's and would stay as they are.
     if (!before || holdsShapes(*before) || !(scale > 0.0f) || !std::isfinite(scale)) return false;
     const ilTile box = before->canvasBounds();
