@@ -7,6 +7,7 @@ namespace {
 
 constexpr float fullOpacity16 = 65535.0F;
 constexpr std::uint32_t opaqueBlack = 0xFF000000;
+constexpr std::size_t shortRow = 112;  // pixels
 
 }  // namespace
 
@@ -30,8 +31,9 @@ struct GenericBlender::Layout {
     }
 
     // Null where there is none.
-    [[nodiscard]] BlockKernel blockKernel(const KernelTable& table) const {
+    [[nodiscard]] BlockKernel blockKernel(const KernelTable& table, bool masked) const {
         if (gray) return nullptr;
+        if (!masked) return twoPlanes ? nullptr : table.rgbaBlock;
         return twoPlanes ? table.dualPlaneMaskedBlock : table.rgbaMaskedBlock;
     }
 };
@@ -208,7 +210,10 @@ void GenericBlender::blendRecord(const WorkRecord& work) const {
     if (!row.mask && opacity16_ != 65535) row.mask = constantMask_.data();
 
     walk.kernel = layout.kernel(kernels_, row.mask != nullptr, useVectors_);
-    if (row.mask && useVectors_) walk.blockKernel = layout.blockKernel(kernels_);
+    // Long rows without a mask have their targets fetched one by one.
+    const bool inBlocks = row.mask || row.count <= shortRow;
+    if (inBlocks && useVectors_)
+        walk.blockKernel = layout.blockKernel(kernels_, row.mask != nullptr);
     walkRows(*this, walk);
 }
 

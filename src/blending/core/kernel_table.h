@@ -68,8 +68,9 @@ struct KernelTable {
     Kernel grayVector = nullptr;
     Kernel grayMaskedVector = nullptr;
 
-    // What the vector forms of these two do row by row, in one call for all rows: rows of small
+    // What the vector forms of these three do row by row, in one call for all rows: rows of small
     // stamps are shorter than a call. Null: row by row.
+    BlockKernel rgbaBlock = nullptr;
     BlockKernel rgbaMaskedBlock = nullptr;
     BlockKernel dualPlaneMaskedBlock = nullptr;
 };

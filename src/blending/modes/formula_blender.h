@@ -56,6 +56,7 @@ class FormulaBlender : public GenericBlender {
         if (!allowVector) return;
         kernels_.rgbaVector = widestByteKernel<Formula>;
         kernels_.rgbaMaskedVector = widestByteKernel<Formula>;
+        kernels_.rgbaBlock = widestByteBlock<Formula>;
         kernels_.rgbaMaskedBlock = widestByteBlock<Formula>;
     }
 };

@@ -78,11 +78,13 @@ ilTile PreparedBlend::inSource(const ilTile& part) const {
     return moved(part, -source_.x, -source_.y);
 }
 
-// A look at one pixel spares most pages a look at all of them; those that pass keep the answer.
+// What is known of a page spares a look at it, and one pixel spares most others a look at all of
+// them; those that pass keep the answer.
 bool PreparedBlend::hides(const ilTile& part) {
     if (!blender_ || mode_ != static_cast<std::int32_t>(BlendModeId::Normal) || !(opacity_ >= 1.0f))
         return false;
     const ilTile own = inSource(part);
+    if (~source_.image->lookAtPage(own.x, own.y).filledCells != 0) return false;
     return source_.image->getPixel(own.x, own.y) >> 24 == 255 &&
            source_.image->alphaClassOf(own, true) == AlphaClass::Opaque;
 }
