@@ -256,7 +256,7 @@ void GenericBlender::prepareHeld(const WorkRecord& page) {
     if (!useVectors_ || lockAlpha_ || !layoutOf(work, layout)) return;
     heldWork_.steps = blockOf(work).steps;
     heldWork_.constantSource = !work.planes[InputSource].base;
-    heldWork_.kernel = layout.blockKernel(kernels_);
+    heldWork_.kernel = layout.blockKernel(kernels_, true);
 }
 
 }  // namespace brushwork::npc
