@@ -130,7 +130,7 @@ void BlendPile::chain(const Piece& piece, const WideBox& box, const WorkPlane& s
     Cell& cell = cells_[piece.cell];
     (cell.first == none ? cell.first : layered_[cell.last].next) = layered_.size();
     cell.last = layered_.size();
-    layered_.push_back({piece.blender, source, box, none});
+    layered_.push_back({piece.blender, source, !piece.source, box, none});
 }
 
 void BlendPile::lockTarget(InputPages& target) {
@@ -146,7 +146,8 @@ void BlendPile::lockTarget(InputPages& target) {
                 part.record.height = static_cast<std::int32_t>(box.height());
                 part.record.planes[InputDestination] = plane;
                 WorkPlane& source = part.record.planes[InputSource] = each.source;
-                if (source.stride == 0) return;
+                part.record.constantSource = each.isConstant;
+                if (each.isConstant) return;
                 source.base += (box.y0 - each.box.y0) * source.rowBytes() +
                                (box.x0 - each.box.x0) * source.bytesPerPixel;
             });

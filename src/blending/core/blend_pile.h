@@ -59,6 +59,7 @@ class BlendPile {
     struct Layered {
         const GenericBlender* blender;
         WorkPlane source;
+        bool isConstant;
         WideBox box;
         std::size_t next;
     };

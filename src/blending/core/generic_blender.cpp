@@ -55,7 +55,7 @@ KernelBlock blockOf(const WorkRecord& work) {
     place(InputSource, row.source, block.steps.source);
     place(InputSecondSource, row.source2, block.steps.source2);
     place(InputMask, row.mask, block.steps.mask);
-    row.sourceStride = row.source ? 1 : 0;
+    row.sourceStride = row.source && !work.constantSource ? 1 : 0;
     row.maskStride = row.mask ? 1 : 0;
     return block;
 }

@@ -53,7 +53,7 @@ class GenericBlender : public Blender {
   public:
     void setDestination(ilImage* image, std::int32_t x, std::int32_t y);
     // For those who walk the images themselves: what a run does to one rectangle, from the record's
-    // inputs. Those of a constant source have a stride of 0. From prepareRecords() to the next
+    // inputs; one without a base isn't there, whatever is bound. From prepareRecords() to the next
     // change of a setting, and then from several threads at once.
     void prepareRecords() { prepareRun(); }
     void blendRecord(const WorkRecord& work) const;

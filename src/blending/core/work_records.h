@@ -58,6 +58,8 @@ struct WorkRecord {
     std::int32_t width = 0, height = 0;  // pixels
     std::int64_t x = 0, y = 0;           // of its corner, in the blend's coordinates
     std::array<WorkPlane, blendInputCount> planes{};
+    // The source's base leads to one pixel, eight times, that stands for all.
+    bool constantSource = false;
 
     [[nodiscard]] std::int64_t pixels() const { return std::int64_t{width} * height; }
 };
