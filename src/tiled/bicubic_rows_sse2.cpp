@@ -9,37 +9,35 @@ using L = SampleLanesSse2;
 // Columns first.
 struct Sums {
     static constexpr bool wholeAcross = false;
-
-    // The four channels of a column; `low` and `high` are rows 0 and 1, and 2 and 3.
-    [[gnu::always_inline]] static L::Floats column(L::Ints low, L::Ints high, L::Ints lower,
-                                                   L::Ints upper) {
-        return L::toFloats(L::add(L::madd(low, lower), L::madd(high, upper)));
-    }
+    static constexpr float finer = 1.0f;
+    static constexpr float starts = 1.0f;
 
     [[gnu::always_inline]] static L::Floats valueOf(const BicubicChunk& chunk,
                                                     const BicubicWeights& weights, int n) {
         const L::Ints zero = L::every(0);
-        const L::Ints lower = L::spread(weights.lower + n);
-        const L::Ints upper = L::spread(weights.upper + n);
+        const L::Ints outer = L::spread(weights.outer + n);
+        const L::Ints inner = L::spread(weights.inner + n);
         const std::uint8_t* const* const first = chunk.first + n;
         const L::Ints row0 = L::rows16(first, 0);
         const L::Ints row1 = L::rows16(first, blockStride);
         const L::Ints row2 = L::rows16(first, 2 * blockStride);
         const L::Ints row3 = L::rows16(first, 3 * blockStride);
-        const L::Ints lowLeft = L::low8(row0, row1);
-        const L::Ints lowRight = L::high8(row0, row1);
-        const L::Ints highLeft = L::low8(row2, row3);
-        const L::Ints highRight = L::high8(row2, row3);
-        const auto weighed = [&](L::Floats sum, int i) {
-            return L::mul(sum, L::spread(weights.other[i] + n));
+        const L::Ints outerLeft = L::low8(row0, row3);
+        const L::Ints outerRight = L::high8(row0, row3);
+        const L::Ints innerLeft = L::low8(row1, row2);
+        const L::Ints innerRight = L::high8(row1, row2);
+        // The four channels of a column.
+        const auto weighed = [&](L::Ints outerRows, L::Ints innerRows, int i) {
+            const L::Ints sum = L::add(L::madd(outerRows, outer), L::madd(innerRows, inner));
+            return L::mul(L::toFloats(sum), L::spread(weights.other[i] + n));
         };
-        const L::Floats left = L::add(
-            weighed(column(L::low8(lowLeft, zero), L::low8(highLeft, zero), lower, upper), 0),
-            weighed(column(L::high8(lowLeft, zero), L::high8(highLeft, zero), lower, upper), 1));
-        const L::Floats right = L::add(
-            weighed(column(L::low8(lowRight, zero), L::low8(highRight, zero), lower, upper), 2),
-            weighed(column(L::high8(lowRight, zero), L::high8(highRight, zero), lower, upper), 3));
-        return L::add(left, right);
+        const L::Floats left =
+            L::add(weighed(L::low8(outerLeft, zero), L::low8(innerLeft, zero), 0),
+                   weighed(L::high8(outerLeft, zero), L::high8(innerLeft, zero), 1));
+        const L::Floats right =
+            L::add(weighed(L::low8(outerRight, zero), L::low8(innerRight, zero), 2),
+                   weighed(L::high8(outerRight, zero), L::high8(innerRight, zero), 3));
+        return L::add(L::add(left, right), L::spread(weights.start + n));
     }
 };
 

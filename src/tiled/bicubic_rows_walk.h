@@ -8,34 +8,38 @@ namespace brushwork {
 
 // Of all places of a chunk.
 struct BicubicWeights {
-    // Along one axis as whole numbers: the first two, and the others, a word each.
-    alignas(32) std::int32_t lower[chunkPlaces];
-    alignas(32) std::int32_t upper[chunkPlaces];
+    // Along one axis as whole numbers: the first and the last, and the two between, a word each.
+    alignas(32) std::int32_t outer[chunkPlaces];
+    alignas(32) std::int32_t inner[chunkPlaces];
     alignas(32) float other[4][chunkPlaces];  // along the other, over the unit
+    alignas(32) float start[chunkPlaces];     // what sums begin with
     alignas(32) float close[chunkPlaces];     // off a whole number by more: not settled
 };
 
-// Sums has `wholeAcross`, whether the whole weights are those of columns, and valueOf(chunk,
-// weights, n): the four channels of L::pixels places from number n on.
+// Sums has `wholeAcross`, whether the whole weights are those of columns; `finer`, how many times
+// finer the outer ones are than the inner; `starts`, how much of a value its start makes; and
+// valueOf(chunk, weights, n): the four channels of L::pixels places from number n on.
 template <class L, class Sums>
 class BicubicWalk {
     using Ints = typename L::Ints;
     using Floats = typename L::Floats;
 
-    // The weight 1 as a whole number; what rounding leaves can add 1 to it.
-    static constexpr float unit = 32766.0f;
-    // What single precision can add to a sum: 0.0008, and some more.
-    static constexpr float noise = 0.0015f;
+    // The weight 1 as a whole number. Outer weights are less than a ninth.
+    static constexpr float unit = 32767.0f;
+    static constexpr float outerUnit = unit * Sums::finer;
+    static_assert(Sums::finer <= 9);
+    // What single precision can add to a sum: 0.0007, and some more.
+    static constexpr float noise = 0.001f;
 
-    // The kernel at -1 - f, -f, 1 - f and 2 - f, times a factor.
+    // The kernel at -1 - f, -f, 1 - f and 2 - f, times a factor each.
     struct Taps {
         Floats w[4];
         Floats fg;
 
-        [[gnu::always_inline]] Taps(Floats f, float factor) {
+        [[gnu::always_inline]] Taps(Floats f, float outerFactor, float factor) {
             const Floats g = L::sub(L::every(1.0f), f);
             fg = L::mul(f, g);
-            const Floats outer = L::mul(fg, L::every(-0.75f * factor));
+            const Floats outer = L::mul(fg, L::every(-0.75f * outerFactor));
             w[0] = L::mul(outer, g);
             w[1] = inner(f, factor);
             w[2] = inner(g, factor);
@@ -47,38 +51,44 @@ class BicubicWalk {
         }
     };
 
-    [[gnu::always_inline]] static Ints wordPair(Ints low, Ints high) {
-        return L::either(L::both(low, L::every(0xFFFF)), L::template up<16>(high));
-    }
+    // Two rounded weights, what rounding took from both, and the sizes of that.
+    struct Pair {
+        Ints words;
+        Floats left, off;
 
-    // Rounded weights still add up to the unit: so a grey isn't shifted, and as pixels lie within
-    // 127.5 of the middle one, a weight that is off by d shifts a column, or a row, by at most
-    // 127.5 d. The weights along the other axis come to 1 + 1.5 fg.
+        [[gnu::always_inline]] Pair(Floats a, Floats b) {
+            const Ints wholeA = L::rounded(a);
+            const Ints wholeB = L::rounded(b);
+            const Floats leftA = L::sub(a, L::toFloats(wholeA));
+            const Floats leftB = L::sub(b, L::toFloats(wholeB));
+            words = L::wordPair(wholeA, wholeB);
+            left = L::add(leftA, leftB);
+            off = L::add(L::size(leftA), L::size(leftB));
+        }
+    };
+
+    // Pixels lie within 128 of 128. So that is what a column, or a row, is given of the weight that
+    // rounding took, and then one that is off by d shifts it by at most 128 d. The weights along
+    // the other axis come to 1 + 1.5 fg.
     [[gnu::always_inline]] static void weigh(const BicubicChunk& chunk, int n,
                                              BicubicWeights& weights) {
-        const Taps other(L::load((Sums::wholeAcross ? chunk.fy : chunk.fx) + n), 1.0f / unit);
+        const Taps other(L::load((Sums::wholeAcross ? chunk.fy : chunk.fx) + n), 1.0f / unit,
+                         1.0f / unit);
         for (int i = 0; i < 4; ++i) L::store(weights.other[i] + n, other.w[i]);
-        const Taps taps(L::load((Sums::wholeAcross ? chunk.fx : chunk.fy) + n), unit);
-        Ints rest = L::every(static_cast<std::int32_t>(unit));
-        Floats off = L::every(0.0f);
-        const auto note = [&](int i, Ints whole) {
-            off = L::add(off, L::size(L::sub(taps.w[i], L::toFloats(whole))));
-            return whole;
+        const Taps taps(L::load((Sums::wholeAcross ? chunk.fx : chunk.fy) + n), outerUnit, unit);
+        const Pair outer(taps.w[0], taps.w[3]);
+        const Pair inner(taps.w[1], taps.w[2]);
+        L::store(weights.outer + n, outer.words);
+        L::store(weights.inner + n, inner.words);
+        const auto both = [](Floats ofOuter, Floats ofInner) {
+            return L::mulAdd(ofOuter, L::every(1.0f / Sums::finer), ofInner);
         };
-        const auto rounded = [&](int i) {
-            const Ints whole = L::rounded(taps.w[i]);
-            rest = L::sub(rest, whole);
-            return note(i, whole);
-        };
-        const Ints whole0 = rounded(0);
-        const Ints whole2 = rounded(2);
-        const Ints whole3 = rounded(3);
-        const Ints whole1 = note(1, rest);
-        L::store(weights.lower + n, wordPair(whole0, whole1));
-        L::store(weights.upper + n, wordPair(whole2, whole3));
+        L::store(weights.start + n,
+                 L::mul(both(outer.left, inner.left), L::every(128.0f / unit / Sums::starts)));
         const Floats all =
-            L::mulAdd(other.fg, L::every(1.5f * -127.5f / unit), L::every(-127.5f / unit));
-        L::store(weights.close + n, L::mulAdd(off, all, L::every(0.5f - noise)));
+            L::mulAdd(other.fg, L::every(1.5f * -128.0f / unit), L::every(-128.0f / unit));
+        L::store(weights.close + n,
+                 L::mulAdd(both(outer.off, inner.off), all, L::every(0.5f - noise)));
     }
 
     struct Sampled {

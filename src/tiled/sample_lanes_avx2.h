@@ -71,6 +71,11 @@ struct SampleLanesAvx2 {
         return _mm256_srli_epi64(v, bits);
     }
 
+    // The low words of both in a lane, those of `low` below.
+    static Ints wordPair(Ints low, Ints high) {
+        return _mm256_blend_epi16(low, _mm256_slli_epi32(high, 16), 0xAA);
+    }
+
     static Floats toFloats(Ints v) { return _mm256_cvtepi32_ps(v); }
     static Ints rounded(Floats v) { return _mm256_cvtps_epi32(v); }
     static Floats add(Floats a, Floats b) { return _mm256_add_ps(a, b); }

@@ -58,6 +58,10 @@ struct SampleLanesSse2 {
         return _mm_srli_epi64(v, bits);
     }
 
+    static Ints wordPair(Ints low, Ints high) {
+        return _mm_or_si128(_mm_and_si128(low, _mm_set1_epi32(0xFFFF)), _mm_slli_epi32(high, 16));
+    }
+
     static Floats toFloats(Ints v) { return _mm_cvtepi32_ps(v); }
     static Ints rounded(Floats v) { return _mm_cvtps_epi32(v); }
     static Floats add(Floats a, Floats b) { return _mm_add_ps(a, b); }
