@@ -61,6 +61,21 @@ void copyRows(const znImage::Byte4* from, std::int32_t width, std::int32_t rows,
     }
 }
 
+// Where blocks may begin along an axis.
+struct Ends {
+    std::int32_t low, end;
+    [[nodiscard]] std::uint32_t size() const { return static_cast<std::uint32_t>(end - low); }
+};
+
+Ends endsInTile(std::int32_t at, std::int32_t side, std::int32_t min, std::int32_t max) {
+    return {std::max(at & ~tileMask, min), std::min(at | tileMask, max) + 2 - side};
+}
+
+Ends endsAtBorder(std::int32_t at, std::int32_t side, std::int32_t min, std::int32_t max) {
+    const std::int32_t border = (at | tileMask) + 1;
+    return {std::max(border - (side - 1), min), std::min(border - 1, max - (side - 1)) + 1};
+}
+
 // How many steps of this size lead from a place in a window of these ends out of it, about.
 double stepsWithin(double place, double step, std::int32_t low, std::uint32_t size) {
     const double end = step < 0 ? low : static_cast<double>(low) + size;
@@ -97,16 +112,32 @@ ResampleFilter::BlockWindow ResampleFilter::windowAt(std::int32_t x, std::int32_
                                                      std::int32_t side) const {
     const std::uint8_t* const pixel = block4(x, y, side, side);
     if (!pixel) return {};
-    BlockWindow window;
-    window.left = std::max(x & ~tileMask, rect_.minX);
-    window.bottom = std::max(y & ~tileMask, rect_.minY);
-    const std::int32_t endX = std::min(x | tileMask, rect_.maxX) + 2 - side;
-    const std::int32_t endY = std::min(y | tileMask, rect_.maxY) + 2 - side;
-    window.width = static_cast<std::uint32_t>(endX - window.left);
-    window.height = static_cast<std::uint32_t>(endY - window.bottom);
-    window.corner = pixel - (y - window.bottom) * std::ptrdiff_t{blockStride} -
-                    (x - window.left) * std::ptrdiff_t{4};
-    return window;
+    const Ends across = endsInTile(x, side, rect_.minX, rect_.maxX);
+    const Ends up = endsInTile(y, side, rect_.minY, rect_.maxY);
+    return {
+        across.low, up.low, across.size(), up.size(),
+        pixel - (y - up.low) * std::ptrdiff_t{blockStride} - (x - across.low) * std::ptrdiff_t{4}};
+}
+
+// Of a block across one border between two tiles.
+ResampleFilter::BlockWindow ResampleFilter::seamAt(std::int32_t x, std::int32_t y,
+                                                   std::int32_t side) {
+    const SampleRect& r = rect_;
+    const bool crossesX = (x & tileMask) > tileSide - side;
+    const bool crossesY = (y & tileMask) > tileSide - side;
+    if (crossesX == crossesY || x < r.minX || y < r.minY || x + side - 1 > r.maxX ||
+        y + side - 1 > r.maxY)
+        return {};
+    const std::uint8_t* const pixels = crossesX ? seams_.upright(*words_, cellOf(x), cellOf(y))
+                                                : seams_.level(*words_, cellOf(x), cellOf(y));
+    if (!pixels) return {};
+    const Ends across = (crossesX ? endsAtBorder : endsInTile)(x, side, r.minX, r.maxX);
+    const Ends up = (crossesY ? endsAtBorder : endsInTile)(y, side, r.minY, r.maxY);
+    const std::int32_t left = crossesX ? (x | tileMask) + 1 - TileSeams::before : x & ~tileMask;
+    const std::int32_t bottom = crossesY ? (y | tileMask) + 1 - TileSeams::reach : y & ~tileMask;
+    return {across.low, up.low, across.size(), up.size(),
+            pixels + (up.low - bottom) * std::ptrdiff_t{blockStride} +
+                (across.low - left) * std::ptrdiff_t{4}};
 }
 
 // The places of a row lie on a line: if the ends of a run lie in the window, all of it does. Where
@@ -196,7 +227,7 @@ int ResampleFilter::placeBox(SampleChunk& chunk, int n, int count, const BlockSh
 }
 
 bool ResampleFilter::placeBlocks(SampleChunk& chunk, int count, const BlockShape& shape,
-                                 PointBlocks point) const {
+                                 PointBlocks point) {
     static constexpr std::uint8_t nothing[4 * blockStride] = {};
     const std::int32_t side = shape.side;
     const std::int32_t shift = shape.shift;
@@ -210,7 +241,8 @@ bool ResampleFilter::placeBlocks(SampleChunk& chunk, int count, const BlockShape
     for (int n = 0; n < count;) {
         const std::int32_t x = chunk.ix[n] + shift;
         const std::int32_t y = chunk.iy[n] + shift;
-        const BlockWindow window = windowAt(x, y, side);
+        BlockWindow window = windowAt(x, y, side);
+        if (!window.corner) window = seamAt(x, y, side);
         if (window.corner) {
             const int end = runEnd(window, chunk, n, count, shape);
             point(chunk, n, end, window.corner, window.left - shift, window.bottom - shift);

@@ -33,6 +33,7 @@ bool ResampleFilter::begin(const PixelReader* reader, std::int32_t x0, std::int3
         bytes_ = static_cast<const TypedPixelReader<unsigned char>*>(reader);
     else if (reader)
         words_ = static_cast<const TypedPixelReader<znImage::Byte4>*>(reader);
+    seams_.forget();
     rect_ = {x0, y0, x1, y1, std::int64_t{x1} - x0 + 1, std::int64_t{y1} - y0 + 1};
     started_ = true;
     return true;

@@ -19,6 +19,7 @@
 #include "tiled/edge_modes.h"
 #include "tiled/pixel_reader.h"
 #include "tiled/sample_chunk.h"
+#include "tiled/tile_seams.h"
 
 namespace brushwork {
 
@@ -106,7 +107,7 @@ class ResampleFilter : public Resource {
     // Points `first` at the blocks of the places up to `count`. False, with nothing placed: no
     // block has a pixel.
     [[nodiscard]] bool placeBlocks(SampleChunk& chunk, int count, const BlockShape& shape,
-                                   PointBlocks point) const;
+                                   PointBlocks point);
     // The first of `w` by `h` pixels of four bytes, in rows of 512 bytes, if they all lie in the
     // rectangle and in one block; else null.
     [[nodiscard]] const std::uint8_t* block4(std::int32_t x, std::int32_t y, std::int32_t w,
@@ -121,7 +122,7 @@ class ResampleFilter : public Resource {
   private:
     [[nodiscard]] bool isApart(std::int32_t x, std::int32_t y, std::int32_t w,
                                std::int32_t h) const;
-    // The blocks that stand in one tile, by their corners.
+    // The blocks that stand in one tile, or across one border, by their corners.
     struct BlockWindow {
         std::int32_t left = 0, bottom = 0;
         std::uint32_t width = 0, height = 0;
@@ -133,6 +134,7 @@ class ResampleFilter : public Resource {
         }
     };
     [[nodiscard]] BlockWindow windowAt(std::int32_t x, std::int32_t y, std::int32_t side) const;
+    [[nodiscard]] BlockWindow seamAt(std::int32_t x, std::int32_t y, std::int32_t side);
     // The first place behind number n that the window, which has that one, hasn't.
     [[nodiscard]] static int runEnd(const BlockWindow& window, const SampleChunk& chunk, int n,
                                     int count, const BlockShape& shape);
@@ -150,6 +152,7 @@ class ResampleFilter : public Resource {
     // The reader, if its pixels are of that size.
     const znTiledImage::TypedPixelReader<unsigned char>* bytes_ = nullptr;
     const znTiledImage::TypedPixelReader<znImage::Byte4>* words_ = nullptr;
+    TileSeams seams_;
 };
 
 }  // namespace brushwork

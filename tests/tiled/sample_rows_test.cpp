@@ -99,6 +99,77 @@ TEST(SampleRows, GiveTheBytesOfSingleSamples) {
     }
 }
 
+// A turned picture of several tiles: every border is crossed by many rows, so that its pixels come
+// from copies. Once more after the picture has changed and the filter has begun anew.
+TEST(SampleRows, CrossBordersOfTilesManyTimes) {
+    const std::uint32_t seed = brushwork::test::testSeed();
+    test::Random random(seed);
+    const PixelRect wide{-140, -270, 700, 690};
+    auto image = znTiledImage::makeImage(4);
+    ASSERT_TRUE(image->setRect(wide));
+    std::vector<std::uint8_t> pixels(static_cast<std::size_t>(wide.w * wide.h * 4));
+    for (const VectorLevel level : test::vectorLevels()) {
+        const test::AtLevel at(level);
+        for (const std::int32_t type : {FilterBilinear, FilterBicubic}) {
+            const Ref<ResampleFilter> filter = makeFilter(type, EdgeClamp);
+            for (const double turn : {0.5, 2.2, 0.01}) {
+                for (std::uint8_t& byte : pixels) byte = test::edgyByte(random);
+                ASSERT_TRUE(
+                    writeRect(*image, wide, pixels.data(), static_cast<std::size_t>(wide.w) * 4));
+                const auto reader = makePixelReader(*image, wide);
+                // Some borders have few pixels on one side.
+                ASSERT_TRUE(filter->begin(reader.get(), -129, -258, 514, wide.y + wide.h - 1));
+                const double dx = std::cos(turn);
+                const double dy = std::sin(turn);
+                std::vector<std::uint8_t> got(1000 * 4);
+                std::vector<std::uint8_t> expected(got.size());
+                for (double down = -500; down < 500; down += 7) {
+                    const SampleRow row{200 - 500 * dx - down * dy, 80 - 500 * dy + down * dx, dx,
+                                        dy, 1000};
+                    filter->sampleRow4(got.data(), row);
+                    ASSERT_EQ(lastKernelForm(), level);
+                    filter->ResampleFilter::sampleRow4(expected.data(), row);
+                    ASSERT_EQ(got, expected) << "seed " << seed << " filter " << type << " level "
+                                             << vectorLevelName(level) << " from " << row.x << ", "
+                                             << row.y << " turned by " << turn;
+                }
+                filter->end();
+            }
+        }
+    }
+}
+
+// Places that are eighths have sums on the middle between two bytes, and at a distance of 2^-k from
+// them sums lie by less and less off it.
+TEST(SampleRows, BicubicSumsAtAndBesideMiddles) {
+    test::Random random(brushwork::test::testSeed());
+    const auto image = edgyPicture(random);
+    const auto reader = makePixelReader(*image, area);
+    const Ref<ResampleFilter> filter = makeFilter(FilterBicubic, EdgeClamp);
+    ASSERT_TRUE(
+        filter->begin(reader.get(), area.x, area.y, area.x + area.w - 1, area.y + area.h - 1));
+    for (const VectorLevel level : test::vectorLevels()) {
+        const test::AtLevel at(level);
+        for (int round = 0; round < 3000; ++round) {
+            const auto eighths = [&] { return static_cast<double>(random() % 8) / 8; };
+            const double beside =
+                round % 4 == 0 ? 0.0 : std::ldexp(1.0, -static_cast<int>(8 + random() % 24));
+            // Rows through places alike, whose columns or rows add up alike.
+            const SampleRow row{area.x + static_cast<double>(random() % 300) + eighths() + beside,
+                                area.y + static_cast<double>(random() % 280) + eighths() +
+                                    (round % 3 == 0 ? beside : 0.0),
+                                round % 2 ? 1.0 : 0.125, round % 5 ? 0.0 : 0.125, 96};
+            std::vector<std::uint8_t> got(96 * 4);
+            std::vector<std::uint8_t> expected(96 * 4);
+            filter->sampleRow4(got.data(), row);
+            ASSERT_EQ(lastKernelForm(), level);
+            filter->ResampleFilter::sampleRow4(expected.data(), row);
+            ASSERT_EQ(got, expected) << "level " << vectorLevelName(level) << " from " << row.x
+                                     << ", " << row.y << " by " << row.dx << ", " << row.dy;
+        }
+    }
+}
+
 // Bytes hardly tell a place that is off by its last bit, so places are compared, too.
 TEST(SampleRows, PlacesAreSumsRoundedAtEachStep) {
     struct Open : ResampleFilter {
