@@ -15,7 +15,7 @@
 namespace brushwork {
 
 struct BicubicChunk : SampleChunk {
-    // Distances of the places from the pixel centres below, 0 to 1.
+    // Distances of the places from the pixel centres (ix, iy), 0 to 1, both ends among them.
     alignas(32) float fx[chunkPlaces];
     alignas(32) float fy[chunkPlaces];
 };

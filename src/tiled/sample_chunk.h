@@ -24,8 +24,9 @@ struct SampleChunk {
     SampleSteps alongX, alongY;
     alignas(32) double x[chunkPlaces];
     alignas(32) double y[chunkPlaces];
-    // Whole number at or below the place, after the filter's shift by a half. Kernels take some at
-    // once and may look, and write, behind the last.
+    // Whole number at or below the place, after the filter's shift by a half; or the one before if
+    // the shifted place is a whole number and the kernel allows for that. Kernels take some at once
+    // and may look, and write, behind the last.
     static constexpr int overrun = 8;
     alignas(32) std::int32_t ix[chunkPlaces + overrun];
     alignas(32) std::int32_t iy[chunkPlaces + overrun];

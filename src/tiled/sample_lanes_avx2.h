@@ -121,9 +121,16 @@ struct SampleLanesAvx2 {
     static Doubles add(Doubles a, Doubles b) { return _mm256_add_pd(a, b); }
     static Doubles sub(Doubles a, Doubles b) { return _mm256_sub_pd(a, b); }
     static Doubles mul(Doubles a, Doubles b) { return _mm256_mul_pd(a, b); }
+    static Doubles mulAdd(Doubles a, Doubles b, Doubles c) { return _mm256_fmadd_pd(a, b, c); }
     static Doubles floorOf(Doubles v) { return _mm256_floor_pd(v); }
     static void storeInts(std::int32_t* p, Doubles v) {
         _mm_store_si128(reinterpret_cast<__m128i*>(p), _mm256_cvttpd_epi32(v));
+    }
+    // The low halves of their bits: the whole numbers behind a sum with 1.5 * 2^52.
+    static void storeLowInts(std::int32_t* p, Doubles v) {
+        const __m256i even = _mm256_setr_epi32(0, 2, 4, 6, 0, 2, 4, 6);
+        const __m256i low = _mm256_permutevar8x32_epi32(_mm256_castpd_si256(v), even);
+        _mm_store_si128(reinterpret_cast<__m128i*>(p), _mm256_castsi256_si128(low));
     }
     static void storeFloats(float* p, Doubles v) { _mm_store_ps(p, _mm256_cvtpd_ps(v)); }
 

@@ -100,6 +100,7 @@ struct SampleLanesSse2 {
     static Doubles add(Doubles a, Doubles b) { return _mm_add_pd(a, b); }
     static Doubles sub(Doubles a, Doubles b) { return _mm_sub_pd(a, b); }
     static Doubles mul(Doubles a, Doubles b) { return _mm_mul_pd(a, b); }
+    static Doubles mulAdd(Doubles a, Doubles b, Doubles c) { return add(mul(a, b), c); }
     // Places are those of tame rows: they fit into 32 bits.
     static Doubles floorOf(Doubles v) {
         const __m128d cut = _mm_cvtepi32_pd(_mm_cvttpd_epi32(v));
@@ -107,6 +108,10 @@ struct SampleLanesSse2 {
     }
     static void storeInts(std::int32_t* p, Doubles v) {
         _mm_storel_epi64(reinterpret_cast<__m128i*>(p), _mm_cvttpd_epi32(v));
+    }
+    static void storeLowInts(std::int32_t* p, Doubles v) {
+        _mm_storel_epi64(reinterpret_cast<__m128i*>(p),
+                         _mm_shuffle_epi32(_mm_castpd_si128(v), _MM_SHUFFLE(2, 0, 2, 0)));
     }
     static void storeFloats(float* p, Doubles v) {
         _mm_storel_pi(reinterpret_cast<__m64*>(p), _mm_cvtpd_ps(v));

@@ -16,7 +16,8 @@ template <class L, class Take>
     const auto first = L::everyPlace(steps.first);
     const auto step = L::everyPlace(steps.step);
     for (int n = 0; n < count; n += L::doubles) {
-        const auto place = L::add(first, L::mul(L::loadPlaces(placeNumbers.data() + n), step));
+        // The product is exact.
+        const auto place = L::mulAdd(L::loadPlaces(placeNumbers.data() + n), step, first);
         L::storePlaces(places + n, place);
         take(n, place);
     }
