@@ -51,6 +51,9 @@ class ByteRowWalk {
     using Words = typename L::Words;
     // A register of pixels fills this many of words.
     static constexpr int halves = L::pixels == 1 ? 1 : 2;
+    static constexpr bool hasPacked = L::pixels > 1 && requires(Ints pixels) {
+        Formula::template packed<L>(pixels, pixels);
+    };
 
     [[gnu::always_inline]] static inline void runRow(const Formula& formula, const KernelRow& row) {
         if constexpr (hasMasked)
@@ -63,6 +66,16 @@ class ByteRowWalk {
         const std::uint8_t* source = row.source;
         std::uint8_t* target = row.hi;
         std::size_t left = row.count;
+        if constexpr (hasPacked) {
+            for (; left >= 2 * L::pixels; left -= 2 * L::pixels) {
+                fetchAhead(source);
+                const Ints s[] = {L::load(source), L::load(source + sourceStep * L::pixels)};
+                if (!L::isAllZero(L::either(s[0], s[1])))
+                    for (std::size_t i = 0; i < 2; ++i) layOver(target + 4 * L::pixels * i, s[i]);
+                source += 2 * sourceStep * L::pixels;
+                target += 8 * L::pixels;
+            }
+        }
         for (; left >= L::pixels; left -= L::pixels) {
             fetchAhead(source);
             const Ints s = L::load(source);
@@ -108,6 +121,10 @@ class ByteRowWalk {
             const Ints d = L::loadPart(target, left);
             L::storePart(target, maskedGroup(formula, s, d, L::loadMask(bytes)), left);
         }
+    }
+
+    static void layOver(std::uint8_t* target, Ints s) {
+        L::store(target, Formula::template packed<L>(s, L::load(target)));
     }
 
     static Ints plainGroup(Ints s, Ints d) {

@@ -112,6 +112,23 @@ struct Avx2Lanes {
             w, _mm256_setr_epi8(6, 7, 6, 7, 6, 7, 6, 7, 14, 15, 14, 15, 14, 15, 14, 15,  //
                                 6, 7, 6, 7, 6, 7, 6, 7, 14, 15, 14, 15, 14, 15, 14, 15));
     }
+    // Words of toWords: of its pixel's alpha, and with its channel in the upper byte.
+    static void toAlphaWords(Ints pixel, Words (&words)[2]) {
+        constexpr char none = -128;
+        const __m256i first = _mm256_setr_epi8(
+            3, none, 3, none, 3, none, 3, none, 7, none, 7, none, 7, none, 7, none,  //
+            3, none, 3, none, 3, none, 3, none, 7, none, 7, none, 7, none, 7, none);
+        words[0] = _mm256_shuffle_epi8(pixel, first);
+        words[1] = _mm256_shuffle_epi8(pixel, _mm256_add_epi16(first, _mm256_set1_epi16(8)));
+    }
+    static void toUpperWords(Ints pixel, Words (&words)[2]) {
+        const __m256i zero = _mm256_setzero_si256();
+        words[0] = _mm256_unpacklo_epi8(zero, pixel);
+        words[1] = _mm256_unpackhi_epi8(zero, pixel);
+    }
+    // Sums above 255 become 255.
+    static Ints addBytes(Ints a, Ints b) { return _mm256_adds_epu8(a, b); }
+    static Ints subtractBytes(Ints a, Ints b) { return _mm256_sub_epi8(a, b); }
     static Words maskWords(Ints mask) { return mask; }
     static void spread(Words perPixel, Words (&words)[2]) {
         words[0] = _mm256_shuffle_epi8(

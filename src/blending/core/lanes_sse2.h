@@ -110,6 +110,21 @@ struct Sse2Lanes {
     static Words alphaOf(Words w) {
         return _mm_shufflehi_epi16(_mm_shufflelo_epi16(w, 0xFF), 0xFF);
     }
+    // Words of toWords: of its pixel's alpha, and with its channel in the upper byte.
+    static void toAlphaWords(Ints pixel, Words (&words)[2]) {
+        const __m128i alpha = _mm_srli_epi32(pixel, 24);
+        const __m128i twice = _mm_or_si128(alpha, _mm_slli_epi32(alpha, 16));
+        words[0] = _mm_unpacklo_epi32(twice, twice);
+        words[1] = _mm_unpackhi_epi32(twice, twice);
+    }
+    static void toUpperWords(Ints pixel, Words (&words)[2]) {
+        const __m128i zero = _mm_setzero_si128();
+        words[0] = _mm_unpacklo_epi8(zero, pixel);
+        words[1] = _mm_unpackhi_epi8(zero, pixel);
+    }
+    // Sums above 255 become 255.
+    static Ints addBytes(Ints a, Ints b) { return _mm_adds_epu8(a, b); }
+    static Ints subtractBytes(Ints a, Ints b) { return _mm_sub_epi8(a, b); }
     static Words maskWords(Ints mask) { return mask; }
     static void spread(Words perPixel, Words (&words)[2]) {
         const __m128i twice = _mm_or_si128(_mm_slli_epi32(perPixel, 16),

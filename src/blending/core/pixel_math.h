@@ -18,6 +18,8 @@
 //
 //     plain(s, d) and masked(s, d, k), on Word<L> with alphaOf; results below 32768
 //     factor(m), k from the mask byte
+//     packed(s, d), if it has that: the bytes of plain(s, d), from pixels to pixels. No source is
+//         empty or opaque to such a formula: plain(s, d) is right for those, too.
 //
 // The rows (byte_rows.h) do the rest: results above 255 become 255, and the lowest 8 bits of
 // others are kept. Of valid pixels (no colour above its alpha) no formula gives less than 0.

@@ -21,6 +21,16 @@ struct NormalFormula : Uniform {
     static Word<L> plain(Word<L> s, Word<L> d) {
         return s - (((alphaOf(s) + 1) * d) >> 8) + d;
     }
+    // What is taken from the target is no more than there is, so that bytes can hold it.
+    template <class L>
+    static typename L::Ints packed(typename L::Ints s, typename L::Ints d) {
+        typename L::Words alpha[2], taken[2];
+        L::toAlphaWords(s, alpha);
+        L::toUpperWords(d, taken);
+        for (int i = 0; i < 2; ++i)
+            taken[i] = L::upperProduct(L::addWords(alpha[i], L::allWords(1)), taken[i]);
+        return L::addBytes(L::subtractBytes(d, L::fromWords(taken)), s);
+    }
 
     template <class L>
     [[nodiscard]] Word<L> factor(Word<L> m) const {
