@@ -15,15 +15,20 @@ constexpr std::size_t sharesPerCell = 2;
 // No more isn't worth waking anybody, or sharing at all.
 constexpr std::int64_t muchWork = 131072, someWork = 8192;
 
-// Visits the parts of a box that lie in one page each.
+bool holds(const WideBox& area, std::int64_t x, std::int64_t y) {
+    return x >= area.x0 && x < area.x1 && y >= area.y0 && y < area.y1;
+}
+
+// Visits the parts of a box that lie in one page each. The view is that of the page of the box
+// before, which most boxes share.
 template <class Visit>
-void eachPage(InputPages& input, const WideBox& whole, const Visit& visit) {
+void eachPage(InputPages& input, PageView& view, const WideBox& whole, const Visit& visit) {
     const WideBox box = input.clipped(whole);
     std::int64_t rowEnd = box.y1;
     for (std::int64_t y = box.y0; y < box.y1; y = rowEnd) {
         rowEnd = box.y1;
         for (std::int64_t x = box.x0; x < box.x1;) {
-            const PageView view = input.pageAt(x, y);
+            if (!view.data || !holds(view.area, x, y)) view = input.pageAt(x, y);
             const WideBox part{x, y, std::min(box.x1, view.area.x1),
                                std::min(box.y1, view.area.y1)};
             if (view.data) {
@@ -38,6 +43,26 @@ void eachPage(InputPages& input, const WideBox& whole, const Visit& visit) {
             x = part.x1;
         }
     }
+}
+
+WorkRecord rowsOf(const WorkRecord& record, std::int64_t from, std::int64_t count) {
+    WorkRecord rows = record;
+    rows.height = static_cast<std::int32_t>(count);
+    for (WorkPlane& plane : rows.planes)
+        if (plane.base) plane.base = plane.row(static_cast<std::int32_t>(from));
+    return rows;
+}
+
+// The first rows of a source are asked for while what comes before it is blended; the kernel asks
+// for the others.
+void fetchFirstRows(const WorkPlane& plane, std::int32_t width, std::int32_t height) {
+    constexpr std::int32_t most = 4;
+    constexpr std::int64_t lineBytes = 64;
+    if (plane.stride == 0) return;
+    const std::int64_t rowBytes = std::int64_t{width} * plane.bytesPerPixel;
+    for (std::int32_t y = 0; y < std::min(height, most); ++y)
+        for (std::int64_t at = 0; at < rowBytes; at += lineBytes)
+            __builtin_prefetch(plane.row(y) + at);
 }
 
 }  // namespace
@@ -120,7 +145,7 @@ void BlendPile::lockSources() {
             plane.channels = plane.bytesPerPixel = 4;
             chain(piece, piece.box, plane);
         } else if (piece.source->pages.isBound()) {
-            eachPage(piece.source->pages, piece.box,
+            eachPage(piece.source->pages, piece.source->view, piece.box,
                      [&](const WideBox& box, const WorkPlane& plane) { chain(piece, box, plane); });
         }
     }
@@ -134,11 +159,12 @@ void BlendPile::chain(const Piece& piece, const WideBox& box, const WorkPlane& s
 }
 
 void BlendPile::lockTarget(InputPages& target) {
+    PageView view;
     for (Cell& cell : cells_) {
         cell.begin = parts_.size();
         for (std::size_t n = cell.first; n != none; n = layered_[n].next) {
             const Layered& each = layered_[n];
-            eachPage(target, each.box, [&](const WideBox& box, const WorkPlane& plane) {
+            eachPage(target, view, each.box, [&](const WideBox& box, const WorkPlane& plane) {
                 Part& part = parts_.emplace_back();
                 part.blender = each.blender;
                 part.y = box.y0;
@@ -174,17 +200,20 @@ void BlendPile::work() const {
 }
 
 void BlendPile::blendRows(const Cell& cell, std::int64_t fromY, std::int64_t toY) const {
+    const GenericBlender* blender = nullptr;
+    WorkRecord rows;
     for (std::size_t n = cell.begin; n < cell.end; ++n) {
         const Part& part = parts_[n];
         const std::int64_t from = std::max(fromY, part.y);
         const std::int64_t to = std::min(toY, part.y + part.record.height);
         if (from >= to) continue;
-        WorkRecord rows = part.record;
-        rows.height = static_cast<std::int32_t>(to - from);
-        for (WorkPlane& plane : rows.planes)
-            if (plane.base) plane.base = plane.row(static_cast<std::int32_t>(from - part.y));
-        part.blender->blendRecord(rows);
+        const WorkRecord next = rowsOf(part.record, from - part.y, to - from);
+        fetchFirstRows(next.planes[InputSource], next.width, next.height);
+        if (blender) blender->blendRecord(rows);
+        blender = part.blender;
+        rows = next;
     }
+    if (blender) blender->blendRecord(rows);
 }
 
 void BlendPile::clear() {

@@ -47,6 +47,7 @@ class BlendPile {
     struct Source {
         GenericBlender* blender;
         InputPages pages;
+        PageView view;  // the latest of them
     };
     struct Piece {
         GenericBlender* blender;

@@ -120,10 +120,9 @@ std::size_t findLowest(BlockCell& cell, std::span<BlockLayer> layers) {
 }
 
 bool drawBlock(StackParts& stack, std::span<BlockLayer> layers, PaintOps& target,
-               const LayerDraw& draw, std::span<BlockCell> cells) {
+               const LayerDraw& draw, std::span<BlockCell> cells, npc::BlendPile& pile) {
     std::size_t first = layers.size();
     for (BlockCell& cell : cells) first = std::min(first, findLowest(cell, layers));
-    npc::BlendPile pile(*target.image(), 0, 0);
     bool drawn = false;
     for (std::size_t n = first; n < layers.size(); ++n) {
         BlockLayer& each = layers[n];
@@ -179,6 +178,7 @@ bool drawBlocks(StackParts& stack, std::span<Layer* const> layers, PaintOps& tar
     std::vector<BlockLayer> ready;
     ready.reserve(layers.size());
     for (Layer* layer : layers) ready.push_back(blockLayer(*layer, whole));
+    npc::BlendPile pile(*target.image(), 0, 0);
     bool drawn = false;
     for (auto& cells : whole.tiles ? blocksOf(*whole.tiles, whole.box) : blocksOf(whole.box)) {
         ilPageTileManager tiles;
@@ -188,7 +188,7 @@ bool drawBlocks(StackParts& stack, std::span<Layer* const> layers, PaintOps& tar
             if (whole.tiles) tiles.addTile(cell.box);
         }
         if (whole.tiles) draw.tiles = &tiles;
-        drawn = drawBlock(stack, ready, target, draw, cells) || drawn;
+        drawn = drawBlock(stack, ready, target, draw, cells, pile) || drawn;
     }
     if (whole.refreshThumbnail)
         for (Layer* layer : layers) static_cast<void>(layer->thumbnailImage(nullptr, 0, 0));

@@ -11,10 +11,12 @@
 namespace brushwork {
 namespace {
 
-// Fills a page in memory.
+// Fills a page in memory. White and clear have four equal bytes: those are set without reading in
+// the memory that they replace.
 void fillPage(SmartPage& page, std::uint32_t value) {
-    if (page.channels == 1)
-        std::memset(page.data, static_cast<std::uint8_t>(value), page.bytes());
+    const auto byte = static_cast<std::uint8_t>(value);
+    if (page.channels == 1 || value == byte * 0x01010101U)
+        std::memset(page.data, byte, page.bytes());
     else
         std::fill_n(reinterpret_cast<std::uint32_t*>(page.data), pagePixels, value);
 }
