@@ -2,19 +2,26 @@
 // beside pixman laying the same layers over each other, page by page on contiguous pages of
 // 128 x 128, the best layout for it, in the same run. "dense": every pixel is semi-transparent.
 // "painted": soft discs, about a fifth of the pixels. The side of the pictures may be given.
+//
+// Pages come from the memory manager, as in programs that switch it on at their start; pixman's
+// come from where that has its blocks, so that the huge pages of memory are there for both.
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <functional>
+#include <memory>
 #include <thread>
 #include <vector>
 
 #include "bench_clock.h"
 #include "blending/modes/blender_registry.h"
+#include "brushwork/image_memory.h"
 #include "document/stack/blend_run.h"
 #include "document/stack/layer_stack.h"
 #include "foundation/tasks/task_pool.h"
+#include "platform/page_memory.h"
 
 #ifdef BRUSHWORK_WITH_PIXMAN
 #include <pixman.h>
@@ -122,20 +129,33 @@ void useThreads(int count) {
 }
 
 #ifdef BRUSHWORK_WITH_PIXMAN
+struct GiveBack {
+    std::size_t bytes = 0;
+    void operator()(std::uint8_t* block) const { platform::givePageMemory(block, bytes); }
+};
+using Bytes = std::unique_ptr<std::uint8_t, GiveBack>;
+
+Bytes zeroedBytes(std::size_t count) {
+    auto* const block = static_cast<std::uint8_t*>(platform::takePageMemory(count));
+    if (!block) std::exit(3);
+    return Bytes(block, GiveBack{count});
+}
+
 // The layers as pages, and a target of pages; each page gets all layers before the next.
 class PixmanPages {
   public:
     PixmanPages(LayerStack& stack, std::int32_t side) : cells_(side / page) {
+        const std::size_t count = 4 * static_cast<std::size_t>(side * side);
+        target_ = zeroedBytes(count);
         for (Layer* layer = stack.parts().list.first.get(); layer; layer = layer->next.get()) {
-            auto& bytes = layers_.emplace_back(4 * static_cast<std::size_t>(side * side));
+            auto* const bytes = layers_.emplace_back(zeroedBytes(count)).get();
             std::size_t at = 0;
             for (std::int32_t y = 0; y < side; y += page)
                 for (std::int32_t x = 0; x < side; x += page, at += 4 * page * page) {
                     const ilTile box = flatTile(x, y, page, page);
-                    layer->smartColor()->readRegion(box, bytes.data() + at, box);
+                    layer->smartColor()->readRegion(box, bytes + at, box);
                 }
         }
-        target_.resize(layers_.front().size());
     }
     void run(int threads) {
         const std::int32_t half = threads > 1 ? cells_ * cells_ / 2 : cells_ * cells_;
@@ -146,17 +166,17 @@ class PixmanPages {
     }
 
   private:
-    static pixman_image_t* imageOf(std::vector<std::uint8_t>& bytes, std::int32_t cell) {
-        auto* const first = bytes.data() + static_cast<std::size_t>(cell) * 4 * page * page;
+    static pixman_image_t* imageOf(const Bytes& bytes, std::int32_t cell) {
+        auto* const first = bytes.get() + static_cast<std::size_t>(cell) * 4 * page * page;
         return pixman_image_create_bits(PIXMAN_a8r8g8b8, page, page,
                                         reinterpret_cast<std::uint32_t*>(first), 4 * page);
     }
     void rows(std::int32_t from, std::int32_t to) {
         for (std::int32_t cell = from; cell < to; ++cell) {
-            std::fill_n(target_.data() + static_cast<std::size_t>(cell) * 4 * page * page,
-                        4 * page * page, std::uint8_t{255});
+            std::memset(target_.get() + static_cast<std::size_t>(cell) * 4 * page * page, 255,
+                        4 * page * page);
             pixman_image_t* const target = imageOf(target_, cell);
-            for (auto& layer : layers_) {
+            for (const Bytes& layer : layers_) {
                 pixman_image_t* const source = imageOf(layer, cell);
                 pixman_image_composite32(PIXMAN_OP_OVER, source, nullptr, target, 0, 0, 0, 0, 0, 0,
                                          page, page);
@@ -167,8 +187,8 @@ class PixmanPages {
     }
 
     std::int32_t cells_;
-    std::vector<std::vector<std::uint8_t>> layers_;
-    std::vector<std::uint8_t> target_;
+    std::vector<Bytes> layers_;
+    Bytes target_;
 };
 #endif
 
@@ -240,6 +260,7 @@ void dirtyTile(std::int32_t side) {
 int main(int count, char** values) {
     const std::int32_t side = count > 1 ? std::atoi(values[1]) : 2048;
     if (side < page || side > 8192 || side % page != 0) return 2;
+    if (!enableImageMemoryManager()) return 3;
     dirtyTile(side);
     recomposition("dense", side, denseImage, 1.3, 2.4);
     recomposition("painted", side, paintedImage, 3.0, 3.0);
