@@ -22,17 +22,6 @@ struct Bytes16 {
         }
         return bits;
     }
-    static std::uint16_t* putPlaces(std::uint32_t bits, std::uint16_t start, std::uint16_t* to) {
-        __m128i starts = _mm_set1_epi16(static_cast<short>(start));
-        for (int k = 0; k < 32; k += 8) {
-            const auto& places = bitsOfByte[bits >> k & 255];
-            const __m128i added = _mm_load_si128(reinterpret_cast<const __m128i*>(places.data()));
-            _mm_storeu_si128(reinterpret_cast<__m128i*>(to), _mm_add_epi16(starts, added));
-            starts = _mm_add_epi16(starts, _mm_set1_epi16(8));
-            to += places[7];
-        }
-        return to;
-    }
     static void copyUpTo128(const std::uint8_t* from, std::uint8_t* to, std::size_t count) {
         // Most are short, and a branch less is worth more than the second copy.
         store16(to, load16(from));

@@ -11,11 +11,11 @@
 // `Vectors` is a type of the including file alone, so that no two files share code that was
 // compiled for different processors. It offers
 //   equalBefore(p)       bit k set where p[k] == p[k - 1], for k from 0 to 63
-//   putPlaces(bits, start, to)   writes the places of the bits that are set in a word of edges, in
-//                        order, with `start` added, and up to 8 more behind them; answers their end
 //   copyUpTo128(from, to, count), fillUpTo128(value, to, count)   write `count` bytes and perhaps
 //                        more, up to 128; 128 can be read
 #pragma once
+
+#include <emmintrin.h>
 
 #include <algorithm>
 #include <array>
@@ -90,10 +90,23 @@ class RepeatEdges {
         starts_[wordCount_] = static_cast<std::uint16_t>(at);
         wordCount_ += static_cast<std::size_t>(edges != 0);
     }
+    // Writes the places of the bits that are set in a word of edges, in order, with `start` added,
+    // and up to 8 more behind them; answers their end.
+    static std::uint16_t* putPlaces(std::uint32_t bits, std::uint16_t start, std::uint16_t* to) {
+        __m128i starts = _mm_set1_epi16(static_cast<short>(start));
+        for (int k = 0; k < 32; k += 8) {
+            const auto& places = bitsOfByte[bits >> k & 255];
+            const __m128i added = _mm_load_si128(reinterpret_cast<const __m128i*>(places.data()));
+            _mm_storeu_si128(reinterpret_cast<__m128i*>(to), _mm_add_epi16(starts, added));
+            starts = _mm_add_epi16(starts, _mm_set1_epi16(8));
+            to += places[7];
+        }
+        return to;
+    }
     void list(std::size_t n) {
         std::uint16_t* to = places_;
         for (std::size_t word = 0; word < wordCount_; ++word)
-            to = Vectors::putPlaces(words_[word], starts_[word], to);
+            to = putPlaces(words_[word], starts_[word], to);
         count_ = static_cast<std::size_t>(to - places_);
         if (count_ % 2 != 0) places_[count_++] = static_cast<std::uint16_t>(n);
     }
