@@ -28,9 +28,8 @@ const OpRow* rowOf(std::string_view name) {
 
 // Most of what is refused within a stroke is refused because of it.
 void tellOfStroke(const JournalSession& session, Problem& problem) {
-    constexpr const char* words = "a stroke is open";
-    if (problem && session.paint.inStroke() && problem->find(words) == std::string::npos)
-        *problem += std::string(" (") + words + ")";
+    if (problem && session.paint.inStroke() && problem->find(strokeIsOpen) == std::string::npos)
+        *problem += std::string(" (") + strokeIsOpen + ")";
 }
 
 Problem carryOut(JournalSession& session, const OpRow& row, const Operation& op) {

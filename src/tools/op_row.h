@@ -15,6 +15,9 @@ struct OpRow {
     bool isLevel = true;
 };
 
+// The cause that many operations share.
+inline constexpr const char* strokeIsOpen = "a stroke is open";
+
 [[nodiscard]] inline Problem problemUnless(bool done, const char* cause) {
     return done ? Problem() : Problem(cause);
 }

@@ -21,7 +21,7 @@ Problem runBrush(JournalSession& session, const Operation& op) {
 }
 
 Problem runColour(JournalSession& session, const Operation& op) {
-    if (session.paint.inStroke()) return "a stroke is open";
+    if (session.paint.inStroke()) return strokeIsOpen;
     session.paint.setColor(op.color("colour"));
     return std::nullopt;
 }

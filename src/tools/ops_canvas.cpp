@@ -4,7 +4,6 @@ namespace brushwork::tools {
 namespace {
 
 constexpr const char* noCanvas = "there is no canvas";
-constexpr const char* strokeIsOpen = "a stroke is open";
 constexpr const char* ownSize = "the canvas is on a surface of the host's, which has its size";
 
 Problem runCanvas(JournalSession& session, const Operation& op) {

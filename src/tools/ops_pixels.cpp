@@ -7,7 +7,7 @@ namespace {
 Problem paintLayerOf(const JournalSession& session, const Operation& op, std::int32_t& id) {
     if (auto problem = session.layerOf(op, id)) return problem;
     const PaintManager& paint = session.paint;
-    if (paint.inStroke()) return "a stroke is open";
+    if (paint.inStroke()) return strokeIsOpen;
     if (paint.isGroup(id)) return "the layer is a group";
     if (paint.isShapeLayer(id)) return "the layer is made of shapes";
     return problemUnless(!paint.isLocked(id), "the layer is locked");

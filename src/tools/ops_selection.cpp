@@ -10,7 +10,7 @@ FieldRule how() {
 }
 
 Problem onCanvas(const JournalSession& session) {
-    if (session.paint.inStroke()) return "a stroke is open";
+    if (session.paint.inStroke()) return strokeIsOpen;
     return problemUnless(session.paint.hasCanvas(activeOne), noCanvas);
 }
 

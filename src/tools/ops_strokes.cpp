@@ -12,7 +12,7 @@ constexpr const char* notPaintable =
     "the layer can't be painted on: it is hidden, locked, a group or made of shapes";
 
 Problem begin(JournalSession& session) {
-    if (session.paint.inStroke()) return "a stroke is open";
+    if (session.paint.inStroke()) return strokeIsOpen;
     if (!session.paint.beginStroke()) return notPaintable;
     ++session.figures.strokes;
     return std::nullopt;
@@ -109,7 +109,7 @@ Problem runTrace(JournalSession& session, const Operation& op) {
 }
 
 Problem runBeginStroke(JournalSession& session, const Operation& op) {
-    if (session.paint.inStroke()) return "a stroke is open";
+    if (session.paint.inStroke()) return strokeIsOpen;
     if (auto problem = session.enter(op)) return problem;
     return begin(session);
 }

@@ -3,8 +3,6 @@
 namespace brushwork::tools {
 namespace {
 
-constexpr const char* strokeIsOpen = "a stroke is open";
-
 // A transform that is still shown is kept first.
 Problem settle(JournalSession& session) {
     if (session.paint.inStroke()) return strokeIsOpen;
