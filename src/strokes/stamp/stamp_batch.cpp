@@ -24,12 +24,34 @@ std::int64_t pixelsOf(const ilTile& box) {
     return std::int64_t{box.nx} * box.ny;
 }
 
-// Places are within 32 bits; those below 0 come first.
-std::uint64_t pageAt(std::int64_t x, std::int64_t y) {
-    const auto rank = [](std::int64_t place) {
-        return static_cast<std::uint64_t>((place + (std::int64_t{1} << 32)) / pageSide);
-    };
-    return rank(y) << 32 | rank(x);
+// No vector holds more pixels.
+constexpr std::int64_t vectorPixels = 8;
+
+WideBox inkOf(const StampImages& images) {
+    const ilTile& ink = images.inked;
+    return {ink.x, ink.y, std::int64_t{ink.x} + ink.nx, std::int64_t{ink.y} + ink.ny};
+}
+
+WideBox common(const WideBox& a, const WideBox& b) {
+    return {std::max(a.x0, b.x0), std::max(a.y0, b.y0), std::min(a.x1, b.x1), std::min(a.y1, b.y1)};
+}
+
+// Whole vectors where there is room.
+WideBox widened(WideBox box, std::int64_t left, std::int64_t right) {
+    const std::int64_t width = (box.width() + vectorPixels - 1) & -vectorPixels;
+    const std::int64_t end = std::min(box.x0 + width, right);
+    if (end - width < left) return box;
+    box.x0 = end - width;
+    box.x1 = end;
+    return box;
+}
+
+// The part of a plane from a pixel on.
+WorkPlane from(WorkPlane plane, std::int64_t right, std::int64_t up) {
+    if (plane.base)
+        plane.base += static_cast<std::ptrdiff_t>(up) * plane.rowBytes() +
+                      static_cast<std::ptrdiff_t>(right) * plane.bytesPerPixel;
+    return plane;
 }
 
 }  // namespace
@@ -57,73 +79,85 @@ void StampBatch::clear() {
 }
 
 void StampBatch::lay(const Canvas& canvas) {
+    canvas_ = canvas;
+    ++turn_;
     try {
-        preparePainters(canvas);
-        collectParts(canvas);
-        sortParts();
-        shareWork(pages_.size() * bandsPerPage, [this](std::size_t n) { layPiece(n); });
+        preparePainters();
+        if (lockPages()) {
+            makeSheets();
+            shareWork(pages_.size() * bandsPerPage, [this](std::size_t n) { layPiece(n); });
+        }
     } catch (const std::bad_alloc&) {
     }
-    walk_.end();
-    slots_ = {};
-    parts_.clear();
+    high_.end();
+    low_.end();
+    pages_.clear();
     clear();
 }
 
-void StampBatch::preparePainters(const Canvas& canvas) {
-    const auto mode = static_cast<std::int32_t>(canvas.mode);
+// One for each worker and one for this thread. Whose turn comes makes its own ready.
+void StampBatch::preparePainters() {
+    const auto mode = static_cast<std::int32_t>(canvas_.mode);
     if (!painters_.empty() && painters_[0]->blender->mode() != mode) painters_.clear();
-    // One for each worker and one for this thread.
     const auto wanted = static_cast<std::size_t>(TaskPool::instance().size()) + 1;
     while (painters_.size() < wanted) {
         auto painter = std::make_unique<Painter>();
-        painter->blender = createBlender(canvas.mode);
+        painter->blender = createBlender(canvas_.mode);
         painters_.push_back(std::move(painter));
     }
-    for (const auto& painter : painters_) {
-        GenericBlender& blender = *painter->blender;
-        setModeParameters(blender, *canvas.brush);
-        blender.setConstantColor(canvas.color);
-        blender.setLockAlpha(canvas.lockAlpha);
-    }
 }
 
-void StampBatch::collectParts(const Canvas& canvas) {
-    slots_[InputDestination] = {Ref<ilImage>(canvas.high), true, 0, 0};
-    slots_[InputSecondDestination] = {Ref<ilImage>(canvas.low), canvas.low != nullptr, 0, 0};
-    if (!walk_.begin(slots_)) return;
-    for (std::size_t n = 0; n < stamps_.size(); ++n) {
-        const StampImages& images = stamps_[n].stamp.images;
-        const ilTile& inked = images.inked;
-        walk_.setPlainMask({images.maskPixels, images.maskStride, 1, 1}, images.box.x,
-                           images.box.y);
-        const WideBox box{inked.x, inked.y, std::int64_t{inked.x} + inked.nx,
-                          std::int64_t{inked.y} + inked.ny};
-        walk_.run(walk_.clipped(box), [&](const WorkRecord& record) { addPart(n, record); });
-    }
+bool StampBatch::lockPages() {
+    if (!high_.begin({Ref<ilImage>(canvas_.high), true, 0, 0})) return false;
+    if (!low_.begin({Ref<ilImage>(canvas_.low), canvas_.low != nullptr, 0, 0})) return false;
+    for (const Waiting& waiting : stamps_)
+        lockPagesUnder(low_.clipped(high_.clipped(inkOf(waiting.stamp.images))));
+    return true;
 }
 
-void StampBatch::addPart(std::size_t stamp, const WorkRecord& record) {
-    Part& part = parts_.emplace_back(Part{pageAt(record.x, record.y), stamp, record});
-    const StampImages& images = stamps_[stamp].stamp.images;
-    if (!images.color) return;
-    WorkPlane& source = part.record.planes[InputSource];
-    source = {images.color->data(), images.color->sizeX(), 4, 4};
-    source.base += (record.y - images.box.y) * source.rowBytes() +
-                   (record.x - images.box.x) * source.bytesPerPixel;
+// Pages that can't be had are left out.
+void StampBatch::lockPagesUnder(const WideBox& box) {
+    const auto planeOf = [](const InputPages& input, const PageView& view) {
+        return WorkPlane{view.data, view.stride, input.channels(), input.channels()};
+    };
+    if (box.isEmpty()) return;
+    for (std::int64_t y = box.y0 & -std::int64_t{pageSide}; y < box.y1; y += pageSide)
+        for (std::int64_t x = box.x0 & -std::int64_t{pageSide}; x < box.x1; x += pageSide) {
+            const auto isHere = [&](const Page& page) {
+                return page.area.x0 == x && page.area.y0 == y;
+            };
+            if (std::any_of(pages_.rbegin(), pages_.rend(), isHere)) continue;
+            Page& page = pages_.emplace_back();
+            page.area = {x, y, x + pageSide, y + pageSide};
+            if (low_.isBound()) page.low = planeOf(low_, low_.pageAt(x, y));
+            if (page.low.base || !low_.isBound()) page.high = planeOf(high_, high_.pageAt(x, y));
+            if (!page.high.base) pages_.pop_back();
+        }
 }
 
-void StampBatch::sortParts() {
-    order_.resize(parts_.size());
-    for (std::size_t n = 0; n < order_.size(); ++n) order_[n] = n;
-    std::sort(order_.begin(), order_.end(), [this](std::size_t a, std::size_t b) {
-        return parts_[a].page != parts_[b].page ? parts_[a].page < parts_[b].page : a < b;
-    });
-    pages_.clear();
-    for (std::size_t n = 0; n < order_.size(); ++n) {
-        if (n == 0 || parts_[order_[n]].page != parts_[order_[n - 1]].page)
-            pages_.push_back({n, n});
-        pages_.back().last = n + 1;
+void StampBatch::makeSheets() {
+    sheets_.clear();
+    for (const Waiting& waiting : stamps_) {
+        const StampImages& images = waiting.stamp.images;
+        const ilTile& ink = images.inked;
+        Sheet& sheet = sheets_.emplace_back();
+        sheet.left = ink.x;
+        sheet.bottom = ink.y;
+        sheet.right = ink.endX();
+        sheet.top = ink.endY();
+        sheet.imagesX = images.box.x;
+        sheet.imagesY = images.box.y;
+        sheet.mask = images.maskPixels;
+        sheet.maskStride = images.maskStride;
+        sheet.color = images.color ? images.color->data() : nullptr;
+        sheet.colorStride = images.color ? images.color->sizeX() : 0;
+        // Pixels of a locked alpha are fitted to it also where the mask is 0.
+        const std::int32_t columns =
+            sheet.color ? std::min(sheet.maskStride, sheet.colorStride) : sheet.maskStride;
+        sheet.roomLeft = canvas_.lockAlpha ? sheet.left : images.box.x;
+        sheet.roomRight = canvas_.lockAlpha ? sheet.right : images.box.x + columns;
+        sheet.opacity = waiting.stamp.point.opacity;
+        sheet.flow = waiting.stamp.point.flow;
     }
 }
 
@@ -134,37 +168,49 @@ void StampBatch::layPiece(std::size_t n) {
     const std::size_t evenOnes = pages_.size() * ofEach;
     const bool odd = n >= evenOnes;
     const std::size_t rest = odd ? n - evenOnes : n;
-    layBand(pages_[rest / ofEach], static_cast<std::int32_t>(rest % ofEach * 2 + (odd ? 1 : 0)));
-}
-
-void StampBatch::layBand(const Page& parts, std::int32_t band) {
-    const std::int64_t y = parts_[order_[parts.first]].record.y;
-    const std::int64_t y0 = (y & -std::int64_t{pageSide}) + std::int64_t{band} * bandRows;
+    const Page& page = pages_[rest / ofEach];
+    WideBox band = page.area;
+    band.y0 += static_cast<std::int64_t>(rest % ofEach * 2 + (odd ? 1 : 0)) * bandRows;
+    band.y1 = band.y0 + bandRows;
     Painter& painter = claimPainter();
-    for (std::size_t n = parts.first; n < parts.last; ++n)
-        layRows(*painter.blender, parts_[order_[n]], y0, y0 + bandRows);
+    for (const Sheet& sheet : sheets_) layRows(*painter.blender, sheet, page, band);
     painter.busy.clear(std::memory_order_release);
 }
 
-void StampBatch::layRows(GenericBlender& blender, const Part& part, std::int64_t y0,
-                         std::int64_t y1) {
-    WorkRecord rows = part.record;
-    rows.y = std::max(rows.y, y0);
-    rows.height =
-        static_cast<std::int32_t>(std::min(part.record.y + part.record.height, y1) - rows.y);
-    if (rows.height <= 0) return;
-    const auto up = static_cast<std::int32_t>(rows.y - part.record.y);
-    for (WorkPlane& plane : rows.planes)
-        if (plane.base) plane.base = plane.row(up);
-    setStampValues(blender, stamps_[part.stamp].stamp.point);
+void StampBatch::layRows(GenericBlender& blender, const Sheet& sheet, const Page& page,
+                         const WideBox& band) {
+    WideBox box = common(band, {sheet.left, sheet.bottom, sheet.right, sheet.top});
+    if (box.isEmpty()) return;
+    box = widened(box, std::max<std::int64_t>(sheet.roomLeft, band.x0),
+                  std::min<std::int64_t>(sheet.roomRight, band.x1));
+    WorkRecord rows;
+    rows.width = static_cast<std::int32_t>(box.width());
+    rows.height = static_cast<std::int32_t>(box.height());
+    rows.x = box.x0;
+    rows.y = box.y0;
+    const std::int64_t pageX = box.x0 - page.area.x0, pageY = box.y0 - page.area.y0;
+    rows.planes[InputDestination] = from(page.high, pageX, pageY);
+    rows.planes[InputSecondDestination] = from(page.low, pageX, pageY);
+    const std::int64_t x = box.x0 - sheet.imagesX, y = box.y0 - sheet.imagesY;
+    rows.planes[InputMask] = from({sheet.mask, sheet.maskStride, 1, 1}, x, y);
+    rows.planes[InputSource] = from({sheet.color, sheet.colorStride, 4, 4}, x, y);
+    setStampValues(blender, sheet.opacity, sheet.flow);
     blender.prepareRecords();
     blender.blendRecord(rows);
 }
 
-// There is one for each thread that may come, so the search ends.
+// Each thread asks for its own first. There is one for each that may come, so the search ends.
 StampBatch::Painter& StampBatch::claimPainter() {
-    for (std::size_t n = 0;; n = (n + 1) % painters_.size())
-        if (!painters_[n]->busy.test_and_set(std::memory_order_acquire)) return *painters_[n];
+    auto n = static_cast<std::size_t>(TaskPool::callingWorkerIndex() + 1) % painters_.size();
+    while (painters_[n]->busy.test_and_set(std::memory_order_acquire))
+        n = (n + 1) % painters_.size();
+    Painter& painter = *painters_[n];
+    if (painter.turn == turn_) return painter;
+    painter.turn = turn_;
+    setModeParameters(*painter.blender, *canvas_.brush);
+    painter.blender->setConstantColor(canvas_.color);
+    painter.blender->setLockAlpha(canvas_.lockAlpha);
+    return painter;
 }
 
 }  // namespace brushwork::npc

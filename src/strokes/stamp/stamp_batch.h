@@ -18,7 +18,7 @@
 #include <memory>
 #include <vector>
 
-#include "blending/core/tile_walk.h"
+#include "blending/core/input_pages.h"
 #include "strokes/stamp/stamp_binding.h"
 
 namespace brushwork::npc {
@@ -61,38 +61,45 @@ class StampBatch {
         Stamp stamp;
         Ref<ilSPMemoryImg> mask, color;
     };
-    // What one stamp has in one page.
-    struct Part {
-        std::uint64_t page;  // in the order of rows
-        std::size_t stamp;
-        WorkRecord record;
+    // What the threads read of a stamp. They share little memory: a line of it that one has written
+    // to is fetched from that one's processor.
+    struct alignas(64) Sheet {
+        std::int32_t left, bottom, right, top;  // in the layer; outside, the mask is 0
+        std::int32_t roomLeft, roomRight;       // columns that may be written as they are
+        std::int32_t imagesX, imagesY;          // of the first pixel of both images
+        std::uint8_t* mask;
+        std::uint8_t* color;  // null: the canvas's colour
+        std::int32_t maskStride, colorStride;
+        float opacity, flow;
     };
-    // Parts of one page: from first to last in `order_`.
+    // A locked page under the stamps.
     struct Page {
-        std::size_t first, last;
+        WideBox area;
+        WorkPlane high, low;  // from its corner
     };
     // A blender of the canvas's mode for one thread at a time.
-    struct Painter {
+    struct alignas(64) Painter {
         std::shared_ptr<GenericBlender> blender;
+        std::uint32_t turn = 0;  // of the batch that it is ready for
         std::atomic_flag busy;
     };
 
-    void preparePainters(const Canvas& canvas);
-    void collectParts(const Canvas& canvas);
-    void addPart(std::size_t stamp, const WorkRecord& record);
-    void sortParts();
+    void preparePainters();
+    [[nodiscard]] bool lockPages();
+    void lockPagesUnder(const WideBox& box);
+    void makeSheets();
     void layPiece(std::size_t n);
-    void layBand(const Page& parts, std::int32_t band);
-    void layRows(GenericBlender& blender, const Part& part, std::int64_t y0, std::int64_t y1);
+    static void layRows(GenericBlender& blender, const Sheet& sheet, const Page& page,
+                        const WideBox& band);
     Painter& claimPainter();
 
     std::vector<Waiting> stamps_;
     std::int64_t pixels_ = 0;  // of all that wait
-    BlendSlots slots_;
-    TileWalk walk_;
-    std::vector<Part> parts_;
-    std::vector<std::size_t> order_;  // of the parts: by page, then by stamp
+    Canvas canvas_;            // while they are laid
+    std::uint32_t turn_ = 0;   // of batches
+    InputPages high_, low_;
     std::vector<Page> pages_;
+    std::vector<Sheet> sheets_;
     std::vector<std::unique_ptr<Painter>> painters_;
 };
 

@@ -93,11 +93,11 @@ void setModeParameters(GenericBlender& blender, const BrushParameters& brush) {
     }
 }
 
-void setStampValues(GenericBlender& blender, const StampPoint& stamp) {
-    blender.setOpacity(stamp.opacity);
+void setStampValues(GenericBlender& blender, float opacity, float flow) {
+    blender.setOpacity(opacity);
     const BlendModeId mode = modeOf(blender);
     if (mode == BlendModeId::Paint || mode == BlendModeId::SolidColorPaint)
-        static_cast<FlowBlender&>(blender).setFlow(stamp.flow);
+        static_cast<FlowBlender&>(blender).setFlow(flow);
 }
 
 void bindSource(GenericBlender& blender, const StampSource& source, const StampImages& stamp,

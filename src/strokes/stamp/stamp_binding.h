@@ -22,7 +22,7 @@ namespace brushwork::npc {
 // The numbers that stay the same for a whole stroke. `blender` must be one of createBlender.
 void setModeParameters(GenericBlender& blender, const BrushParameters& brush);
 // Those of one stamp.
-void setStampValues(GenericBlender& blender, const StampPoint& stamp);
+void setStampValues(GenericBlender& blender, float opacity, float flow);
 
 // Images that stand in for the brush's colour. Without any, the brush's own counts.
 struct StampSource {

@@ -116,7 +116,7 @@ void StampRenderer::bindFor(const StampImages& images, const StampPoint& stamp) 
     if (!constant || !bound_.constantSource) bindSource(*blender_, source_, images, color_);
     bound_.constantSource = constant;
     if (stamp.opacity == bound_.opacity && stamp.flow == bound_.flow) return;
-    setStampValues(*blender_, stamp);
+    setStampValues(*blender_, stamp.opacity, stamp.flow);
     bound_.opacity = stamp.opacity;
     bound_.flow = stamp.flow;
 }

@@ -47,6 +47,14 @@ struct Planes {
     }
 };
 
+// What colours a stamp.
+Ref<ImagePaintObj> picture() {
+    const auto image = makeRef<ilSPMemoryImg>(61, 47, 4);
+    for (std::size_t n = 0; n < image->byteSize(); ++n)
+        image->data()[n] = static_cast<std::uint8_t>(n * n * 7 + n);
+    return makeRef<ImagePaintObj>(image, ImagePaintObj::Levels::Reduced);
+}
+
 // Stamps in a row keep the pages of the one before, fill whole vectors around small masks and are
 // laid together where they are large; a stamp alone does none of it.
 TEST(StampRenderer, StampsInARowAreThoseOfStampsAlone) {
@@ -56,12 +64,14 @@ TEST(StampRenderer, StampsInARowAreThoseOfStampsAlone) {
          {BlendModeId::Normal, BlendModeId::Replace, BlendModeId::Marker, BlendModeId::Paint,
           BlendModeId::SolidColorPaint, BlendModeId::Multiply, BlendModeId::Smudge})
         for (const bool twoPlanes : {true, false})
-            for (const bool lockAlpha : {false, true}) {
+            for (const int rest : {0, 1, 2, 3}) {
+                const bool lockAlpha = rest % 2 != 0, coloured = rest / 2 != 0;
                 Planes alone, row;
                 BrushParameters brush = BrushParameters::defaults();
                 brush.color = {0.6f, 0.3f, 0.1f, 0.8f};
                 brush.tipPreset = 2;
                 brush.mixRate0 = 0.5f;
+                if (coloured) brush.colorObject = picture();
                 const auto rendererOn = [&](const Planes& planes) {
                     auto renderer = std::make_unique<StampRenderer>(
                         planes.high.get(), twoPlanes ? planes.low.get() : nullptr);
@@ -94,7 +104,7 @@ TEST(StampRenderer, StampsInARowAreThoseOfStampsAlone) {
                 second->end();
                 ASSERT_TRUE(alone.bytes() == row.bytes())
                     << "mode " << static_cast<int>(mode) << ", " << (twoPlanes ? 2 : 1)
-                    << " planes, locked alpha " << lockAlpha;
+                    << " planes, locked alpha " << lockAlpha << ", coloured " << coloured;
                 EXPECT_EQ(alone.pages(), row.pages());
             }
 }
