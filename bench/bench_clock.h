@@ -16,7 +16,8 @@ namespace brushwork::bench {
 struct Job {
     std::string name;
     std::function<void()> run;
-    std::vector<double> seconds;  // one entry a round
+    std::function<void()> prepare;  // before each run, outside its time; may be empty
+    std::vector<double> seconds;    // one entry a round
 
     // 0 before the first round.
     [[nodiscard]] double median() const {
@@ -31,18 +32,19 @@ struct Job {
 class Rounds {
   public:
     // Answers the job's index.
-    std::size_t add(std::string name, std::function<void()> run) {
-        jobs_.push_back({std::move(name), std::move(run), {}});
+    std::size_t add(std::string name, std::function<void()> run,
+                    std::function<void()> prepare = {}) {
+        jobs_.push_back({std::move(name), std::move(run), std::move(prepare), {}});
         return jobs_.size() - 1;
     }
 
     // One round that doesn't count, then rounds until every job has run `least` times and its
     // median has moved by under 1 % over the last five rounds, at most `most` rounds.
     void run(int least, int most) {
-        for (Job& job : jobs_) job.run();
+        for (const Job& job : jobs_) timeOf(job);
         std::vector<double> before(jobs_.size(), 0.0);
         for (int round = 1; round <= most; ++round) {
-            for (Job& job : jobs_) job.seconds.push_back(timeOf(job.run));
+            for (Job& job : jobs_) job.seconds.push_back(timeOf(job));
             if (round % 5 != 0) continue;
             const bool settled = noteMedians(before);
             if (round >= least && settled) return;
@@ -53,9 +55,10 @@ class Rounds {
     [[nodiscard]] double median(std::size_t job) const { return jobs_[job].median(); }
 
   private:
-    static double timeOf(const std::function<void()>& run) {
+    static double timeOf(const Job& job) {
+        if (job.prepare) job.prepare();
         const auto start = std::chrono::steady_clock::now();
-        run();
+        job.run();
         return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
     }
 

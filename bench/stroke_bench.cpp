@@ -1,7 +1,9 @@
 // Painting, beside libmypaint on its own surface (16 bits a channel on both sides, ours on two
 // smart images): dabs a second at the same drawn size and distance; the recorded session from event
-// to pixels; and how long one event of it takes. `stroke_bench dabs`, `session` or `latency` runs
-// one part. The session is found through BRUSHWORK_CORPUS.
+// to pixels; and how long one event of it takes. What two threads gain stands over what two
+// canvases that are painted at once gain, which have nothing to share but the machine.
+// `stroke_bench dabs`, `session` or `latency` runs one part. The session is found through
+// BRUSHWORK_CORPUS.
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
@@ -11,10 +13,12 @@
 #include <fstream>
 #include <memory>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "bench_clock.h"
 #include "foundation/tasks/task_pool.h"
+#include "image/memory/image_lock.h"
 #include "image/smart/il_smart_image.h"
 #include "stroke_peer.h"
 #include "strokes/path/step_rule.h"
@@ -91,10 +95,30 @@ void layDabs(npc::StampRenderer& renderer, BlendModeId mode, const std::vector<P
     }
 }
 
-// The number of workers counts when the pool starts.
+// The number of workers counts when the pool starts. What a peer's threads do after their work is
+// over by then.
 void useThreads(int count) {
     TaskPool::instance().stop();
+    std::this_thread::sleep_for(std::chrono::milliseconds(5));
     if (count > 1) TaskPool::instance().start(count);
+}
+
+// Two canvases at once, with nothing to wait for: what the machine gives to a second thread.
+void layDabsTwice(Canvas& canvas, Canvas& other, BlendModeId mode, const std::vector<Place>& places,
+                  float radius) {
+    engageImageLock(true);
+    std::thread beside([&] { layDabs(*other.renderer.getStampRenderer(), mode, places, radius); });
+    layDabs(*canvas.renderer.getStampRenderer(), mode, places, radius);
+    beside.join();
+    engageImageLock(false);
+}
+
+// How much faster a job is than another one, by the rounds in which they ran one after the other.
+double gainOf(const bench::Rounds& rounds, std::size_t fast, std::size_t slow) {
+    std::vector<double> ratios = rounds.jobs()[slow].seconds;
+    for (std::size_t n = 0; n < ratios.size(); ++n) ratios[n] /= rounds.jobs()[fast].seconds[n];
+    std::ranges::sort(ratios);
+    return ratios[ratios.size() / 2];
 }
 
 void benchDabs() {
@@ -103,17 +127,33 @@ void benchDabs() {
     for (const float radius : {4.0F, 16.0F, 64.0F, 256.0F})
         for (const bool hard : {true, false}) {
             const std::vector<Place> places = placesFor(radius);
+            const std::vector<Place> firstEvent(places.begin(), places.begin() + batch);
             const BrushParameters brush = brushOf(radius, hard);
-            Canvas canvas;
+            Canvas canvas, other;
             canvas.renderer.setParameters({}, &brush);
+            other.renderer.setParameters({}, &brush);
             npc::StampRenderer& stamps = *canvas.renderer.getStampRenderer();
             bench::Rounds rounds;
-            for (const int threads : {1, 2})
-                for (const BlendModeId mode : {BlendModeId::Normal, BlendModeId::SolidColorPaint})
-                    rounds.add("ours", [&, mode, threads] {
-                        useThreads(threads);
-                        layDabs(stamps, mode, places, brush.radiusHigh);
-                    });
+            constexpr BlendModeId modes[] = {BlendModeId::Normal, BlendModeId::SolidColorPaint};
+            // A host's workers have come long ago.
+            const auto startThreads = [&](int threads, BlendModeId mode) {
+                useThreads(threads);
+                layDabs(stamps, mode, firstEvent, brush.radiusHigh);
+            };
+            for (const BlendModeId mode : modes)
+                for (const int threads : {1, 2})
+                    rounds.add(
+                        "ours", [&, mode] { layDabs(stamps, mode, places, brush.radiusHigh); },
+                        [&, mode, threads] { startThreads(threads, mode); });
+            // Smaller stamps aren't shared.
+            const bool shared = radius >= 64.0F;
+            if (shared)
+                for (const BlendModeId mode : modes)
+                    rounds.add(
+                        "ours, two canvases",
+                        [&, mode] { layDabsTwice(canvas, other, mode, places, brush.radiusHigh); },
+                        [&, mode] { startThreads(1, mode); });
+            const std::size_t peers = rounds.jobs().size();
 #ifdef BRUSHWORK_WITH_MYPAINT
             bench::StrokePeer peer(side);
             for (const int threads : {1, 2})
@@ -126,7 +166,7 @@ void benchDabs() {
                     }
                 });
 #endif
-            rounds.run(5, 25);
+            rounds.run(10, 25);
             const auto count = static_cast<double>(places.size());
             const double pixels = count * static_cast<double>(radius * radius * pi) * 1e-6;
             const auto print = [&](std::size_t job) {
@@ -135,19 +175,22 @@ void benchDabs() {
             };
             std::printf("r %-4g %-7s", static_cast<double>(radius), hard ? "hard" : "soft");
             print(0);
-            print(1);
-            if (rounds.jobs().size() > 4) {
-                print(4);
-                std::printf(" x %5.2f plain %5.2f paint", bestOf(rounds, 4) / bestOf(rounds, 0),
-                            bestOf(rounds, 4) / bestOf(rounds, 1));
+            print(2);
+            const bool beside = rounds.jobs().size() > peers;
+            if (beside) {
+                print(peers);
+                std::printf(" x %5.2f plain %5.2f paint", bestOf(rounds, peers) / bestOf(rounds, 0),
+                            bestOf(rounds, peers) / bestOf(rounds, 2));
             }
             std::printf("\n%14s", "2 threads");
-            print(2);
+            print(1);
             print(3);
-            if (rounds.jobs().size() > 5) print(5);
-            std::printf(" x %5.2f plain %5.2f paint gained\n",
-                        bestOf(rounds, 0) / bestOf(rounds, 2),
-                        bestOf(rounds, 1) / bestOf(rounds, 3));
+            if (beside) print(peers + 1);
+            std::printf(" x %5.2f plain %5.2f paint gained\n", gainOf(rounds, 1, 0),
+                        gainOf(rounds, 3, 2));
+            if (shared)
+                std::printf("%14s x %5.2f plain %5.2f paint\n", "2 canvases",
+                            2.0 * gainOf(rounds, 4, 0), 2.0 * gainOf(rounds, 5, 2));
         }
 }
 
@@ -267,11 +310,13 @@ void benchSession(const Pen& pen) {
             canvas.renderer.setTileCallback([&dabs](const ilTile&) { ++dabs; });
             bench::Rounds rounds;
             for (const int threads : {1, 2})
-                rounds.add("ours", [&, threads] {
-                    useThreads(threads);
-                    dabs = 0;
-                    paint(canvas, pen, nullptr);
-                });
+                rounds.add(
+                    "ours",
+                    [&] {
+                        dabs = 0;
+                        paint(canvas, pen, nullptr);
+                    },
+                    [threads] { useThreads(threads); });
             long peerDabs = 0;
 #ifdef BRUSHWORK_WITH_MYPAINT
             bench::StrokePeer peer(1024);

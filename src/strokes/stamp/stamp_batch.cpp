@@ -16,8 +16,9 @@ constexpr std::int64_t leastPixels = 4096;
 constexpr std::int64_t mostPixels = 1 << 20;
 constexpr std::size_t mostStamps = 64;
 
-// A thread takes so many rows of a page at a time.
-constexpr std::int32_t bandRows = 16;
+// A thread takes so many rows of a page at a time: few calls a stamp, and no thread waits for long
+// at the end.
+constexpr std::int32_t bandRows = 32;
 constexpr std::int32_t bandsPerPage = pageSide / bandRows;
 
 std::int64_t pixelsOf(const ilTile& box) {
