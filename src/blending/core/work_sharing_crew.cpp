@@ -11,8 +11,10 @@ namespace {
 
 using namespace std::chrono_literals;
 
-// How long a helper stays awake, and how soon a second job counts as one of a row.
+// How long a helper stays awake.
 constexpr auto moment = 50us;
+// How soon a second job counts as one of a row: the first was done alone meanwhile.
+constexpr auto nextInARow = 200us;
 // An invitation that no worker took up for so long stands in the queue of an ended pool.
 constexpr auto lostAfter = 20ms;
 
@@ -50,7 +52,7 @@ WorkCrew::Answer WorkCrew::share(std::size_t count, std::size_t helpers,
 bool WorkCrew::mayWake(SharedWork amount) {
     if (amount == SharedWork::Much) return true;
     const auto now = Clock::now();
-    const bool inARow = now - lastAsked_ < moment;
+    const bool inARow = now - lastAsked_ < nextInARow;
     lastAsked_ = now;
     return inARow;
 }

@@ -15,6 +15,8 @@ namespace {
 constexpr std::int64_t leastPixels = 4096;
 constexpr std::int64_t mostPixels = 1 << 20;
 constexpr std::size_t mostStamps = 64;
+// Fewer are laid in the time that it takes to wake a worker, and for it to come.
+constexpr std::int64_t worthWaking = 1 << 17;
 
 // A thread takes so many rows of a page at a time: few calls a stamp, and no thread waits for long
 // at the end.
@@ -86,7 +88,9 @@ void StampBatch::lay(const Canvas& canvas) {
         preparePainters();
         if (lockPages()) {
             makeSheets();
-            shareWork(pages_.size() * bandsPerPage, [this](std::size_t n) { layPiece(n); });
+            shareWork(
+                pages_.size() * bandsPerPage, [this](std::size_t n) { layPiece(n); },
+                pixels_ < worthWaking ? SharedWork::Some : SharedWork::Much);
         }
     } catch (const std::bad_alloc&) {
     }

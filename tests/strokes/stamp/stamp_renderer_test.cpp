@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "foundation/tasks/task_pool.h"
 #include "image/smart/il_smart_image.h"
 #include "image/smart/smart_page_table.h"
 #include "support/test_seed.h"
@@ -66,6 +67,7 @@ TEST(StampRenderer, StampsInARowAreThoseOfStampsAlone) {
         for (const bool twoPlanes : {true, false})
             for (const int rest : {0, 1, 2, 3}) {
                 const bool lockAlpha = rest % 2 != 0, coloured = rest / 2 != 0;
+                TaskPool::setDefaultSize(coloured ? 8 : 2 - rest % 2);
                 Planes alone, row;
                 BrushParameters brush = BrushParameters::defaults();
                 brush.color = {0.6f, 0.3f, 0.1f, 0.8f};
@@ -107,6 +109,41 @@ TEST(StampRenderer, StampsInARowAreThoseOfStampsAlone) {
                     << " planes, locked alpha " << lockAlpha << ", coloured " << coloured;
                 EXPECT_EQ(alone.pages(), row.pages());
             }
+    TaskPool::setDefaultSize(0);
+}
+
+// Nothing is laid behind the last place of a smart image, nor are pages asked for there.
+TEST(StampRenderer, LargeStampsAcrossTheLastPlaces) {
+    const ilTile corner = flatTile(coordinateLimit - 128, -coordinateLimit, 128, 128);
+    const auto paint = [&](bool together) {
+        const Ref<ilSmartImage> high(new ilSmartImage(ilPixel(TypeUChar, 4)));
+        const Ref<ilSmartImage> low(new ilSmartImage(ilPixel(TypeUChar, 4)));
+        StampRenderer renderer(high.get(), low.get());
+        BrushParameters brush = BrushParameters::defaults();
+        brush.color = {0.6f, 0.3f, 0.1f, 0.8f};
+        renderer.setParameters(&brush);
+        StampPoint point;
+        point.radius = 50.0f;
+        renderer.begin(BlendModeId::Normal);
+        for (int n = 0; n < 6; ++n) {
+            point.x = static_cast<float>(coordinateLimit - 40 + 30 * n);
+            point.y = static_cast<float>(10 * n - coordinateLimit - 20);
+            static_cast<void>(renderer.renderPoint(point));
+            if (together) continue;
+            renderer.end();
+            renderer.begin(BlendModeId::Normal);
+        }
+        renderer.end();
+        Bytes bytes(std::size_t{128} * 128 * 4);
+        EXPECT_EQ(high->readRegion(corner, bytes.data(), corner), ImageOk);
+        int pages = 0;
+        high->pages().eachPage([&](std::int32_t, std::int32_t, SmartPageRef&) { ++pages; });
+        EXPECT_EQ(pages, 1);
+        return bytes;
+    };
+    const Bytes alone = paint(false);
+    EXPECT_NE(alone, Bytes(alone.size()));
+    EXPECT_TRUE(paint(true) == alone);
 }
 
 }  // namespace
