@@ -23,6 +23,7 @@
 #include "brushwork/ref.h"
 #include "image/chain/il_sid_image.h"
 #include "image/memory/image_lock.h"
+#include "image/smart/kept_pages.h"
 #include "image/smart/page_source.h"
 #include "image/smart/page_walk.h"
 #include "image/smart/smart_bounds.h"
@@ -118,6 +119,13 @@ class ilSmartImage : public ilSIDImage, private PageSource {
         std::uint64_t filledCells = ~std::uint64_t{0};
     };
     [[nodiscard]] PageLook lookAtPage(std::int32_t x, std::int32_t y);
+    // The same of a page that will be read: one that isn't solid, nor known to be empty, is kept.
+    // Null `data` for any other, and for one that can't be had. Who wants no cells gets all.
+    struct PageSight : PageLook {
+        std::uint8_t* data = nullptr;  // for reading
+    };
+    [[nodiscard]] PageSight keepPage(std::int32_t x, std::int32_t y, bool wantsCells,
+                                     KeptPages& kept);
     // Repairs pixels whose colours exceed their alpha, as far as the image shows what was meant.
     void sanitizeAlpha();
     void prefetch(const ilTile& box);
@@ -208,6 +216,7 @@ class ilSmartImage : public ilSIDImage, private PageSource {
                               CopyDirection direction);
     bool sharePage(SmartPageRef& slot, ilSmartImage& source, std::int32_t x, std::int32_t y);
     bool lookUpPages(const ilTile& box);
+    [[nodiscard]] static PageLook lookOf(SmartPageRef& slot);
     // In memory or solid; null without memory.
     [[nodiscard]] const SmartPage* readPage(std::int32_t x, std::int32_t y);
     [[nodiscard]] bool descendsFrom(const ilSmartImage& image) const;

@@ -122,16 +122,11 @@ bool ilSmartImage::isSolid(const ilTile& box, std::uint32_t& value, bool realize
 }
 
 // What was kept about a page holds for it in the swap file, too.
-ilSmartImage::PageLook ilSmartImage::lookAtPage(std::int32_t x, std::int32_t y) {
-    const ImageLockScope lock;
+ilSmartImage::PageLook ilSmartImage::lookOf(SmartPageRef& slot) {
     PageLook look;
-    SmartPageRef* const slot = channels_ == 4 && beginOperation() == ImageOk
-                                   ? pages_.pageRef(x & pageMask, y & pageMask, false)
-                                   : nullptr;
-    if (!slot) return look;
-    const bool isKnown = (*slot)->filledCells != 0 && !(*slot)->isSolid();
-    if (!isKnown && !realizePage(*slot, RealizeMode::Read)) return look;
-    SmartPage& page = **slot;
+    const bool isKnown = slot->filledCells != 0 && !slot->isSolid();
+    if (!isKnown && !realizePage(slot, RealizeMode::Read)) return look;
+    SmartPage& page = *slot;
     if (page.isSolid()) {
         look.isSolid = true;
         look.solid = page.solid;
@@ -145,6 +140,38 @@ ilSmartImage::PageLook ilSmartImage::lookAtPage(std::int32_t x, std::int32_t y) 
         if (look.filledCells == 0) page.alphaClass = AlphaClass::Clear;
     }
     return look;
+}
+
+ilSmartImage::PageLook ilSmartImage::lookAtPage(std::int32_t x, std::int32_t y) {
+    const ImageLockScope lock;
+    SmartPageRef* const slot = channels_ == 4 && beginOperation() == ImageOk
+                                   ? pages_.pageRef(x & pageMask, y & pageMask, false)
+                                   : nullptr;
+    return slot ? lookOf(*slot) : PageLook();
+}
+
+ilSmartImage::PageSight ilSmartImage::keepPage(std::int32_t x, std::int32_t y, bool wantsCells,
+                                               KeptPages& kept) {
+    const ImageLockScope lock;
+    PageSight sight;
+    SmartPageRef* const slot = channels_ == 4 && beginOperation() == ImageOk
+                                   ? pages_.pageRef(x & pageMask, y & pageMask, false)
+                                   : nullptr;
+    if (!slot) return sight;
+    if (wantsCells) {
+        static_cast<PageLook&>(sight) = lookOf(*slot);
+        if (sight.isSolid || sight.filledCells == 0) return sight;
+    }
+    if (!realizePage(*slot, RealizeMode::Read)) return sight;
+    SmartPage& page = **slot;
+    if (page.isSolid()) {
+        sight.isSolid = true;
+        sight.solid = page.solid;
+        return sight;
+    }
+    kept.keep(page);
+    sight.data = page.data;
+    return sight;
 }
 
 void ilSmartImage::prefetch(const ilTile& box) {
