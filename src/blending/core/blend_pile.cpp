@@ -1,66 +1,64 @@
 #include "blending/core/blend_pile.h"
 
 #include <algorithm>
+#include <bit>
 #include <new>
 
 #include "blending/core/work_sharing.h"
+#include "foundation/tasks/task_pool.h"
 
 namespace brushwork::npc {
 namespace {
 
 constexpr std::size_t mostPages = 256;
 constexpr std::int64_t side = BlendPile::cellSide;
-// Threads take halves of cells.
-constexpr std::size_t sharesPerCell = 2;
+constexpr std::size_t manyCells = 6;
+constexpr std::int64_t pixelsOfCell = 16 * 16;  // of those that are known of a page
 // No more isn't worth waking anybody, or sharing at all.
 constexpr std::int64_t muchWork = 131072, someWork = 8192;
 
-bool holds(const WideBox& area, std::int64_t x, std::int64_t y) {
-    return x >= area.x0 && x < area.x1 && y >= area.y0 && y < area.y1;
+bool holds(const WideBox& area, const WideBox& box) {
+    return box.x0 >= area.x0 && box.y0 >= area.y0 && box.x1 <= area.x1 && box.y1 <= area.y1;
 }
 
-// Visits the parts of a box that lie in one page each. The view is that of the page of the box
-// before, which most boxes share.
+WideBox common(const WideBox& a, const WideBox& b) {
+    return {std::max(a.x0, b.x0), std::max(a.y0, b.y0), std::min(a.x1, b.x1), std::min(a.y1, b.y1)};
+}
+
+WideBox wideBox(const ilTile& box) {
+    return {box.x, box.y, std::int64_t{box.x} + box.nx, std::int64_t{box.y} + box.ny};
+}
+
+// Visits the boxes around what is filled in each row of cells of a page whose corner is (x, y),
+// those of equal rows as one.
 template <class Visit>
-void eachPage(InputPages& input, PageView& view, const WideBox& whole, const Visit& visit) {
-    const WideBox box = input.clipped(whole);
-    std::int64_t rowEnd = box.y1;
-    for (std::int64_t y = box.y0; y < box.y1; y = rowEnd) {
-        rowEnd = box.y1;
-        for (std::int64_t x = box.x0; x < box.x1;) {
-            if (!view.data || !holds(view.area, x, y)) view = input.pageAt(x, y);
-            const WideBox part{x, y, std::min(box.x1, view.area.x1),
-                               std::min(box.y1, view.area.y1)};
-            if (view.data) {
-                WorkPlane plane;
-                plane.stride = view.stride;
-                plane.channels = plane.bytesPerPixel = input.channels();
-                plane.base = view.data + (part.y0 - view.y) * plane.rowBytes() +
-                             (part.x0 - view.x) * plane.bytesPerPixel;
-                visit(part, plane);
-            }
-            rowEnd = std::min(rowEnd, part.y1);
-            x = part.x1;
+void eachFilledBox(std::uint64_t cells, std::int64_t x, std::int64_t y, const Visit& visit) {
+    constexpr int across = 8;
+    constexpr std::int64_t cellSide = side / across;
+    for (int row = 0; row < across;) {
+        const auto bits = static_cast<std::uint8_t>(cells >> row * across);
+        const int from = row;
+        const int left = std::countr_zero(bits);
+        const int right = across - std::countl_zero(bits);
+        for (; row < across; ++row) {
+            const auto next = static_cast<std::uint8_t>(cells >> row * across);
+            if (std::countr_zero(next) != left || across - std::countl_zero(next) != right) break;
         }
+        if (bits != 0)
+            visit(WideBox{x + left * cellSide, y + from * cellSide, x + right * cellSide,
+                          y + row * cellSide});
     }
-}
-
-WorkRecord rowsOf(const WorkRecord& record, std::int64_t from, std::int64_t count) {
-    WorkRecord rows = record;
-    rows.height = static_cast<std::int32_t>(count);
-    for (WorkPlane& plane : rows.planes)
-        if (plane.base) plane.base = plane.row(static_cast<std::int32_t>(from));
-    return rows;
 }
 
 // The first rows of a source are asked for while what comes before it is blended; the kernel asks
 // for the others.
-void fetchFirstRows(const WorkPlane& plane, std::int32_t width, std::int32_t height) {
+void fetchFirstRows(const WorkRecord& record) {
     constexpr std::int32_t most = 4;
     constexpr std::int64_t lineBytes = 64;
-    if (plane.stride == 0) return;
-    const std::int64_t rowBytes = std::int64_t{width} * plane.bytesPerPixel;
-    for (std::int32_t y = 0; y < std::min(height, most); ++y)
+    if (record.constantSource) return;
+    const WorkPlane& plane = record.planes[InputSource];
+    const std::int64_t rowBytes = std::int64_t{record.width} * plane.bytesPerPixel;
+    for (std::int32_t y = 0; y < std::min(record.height, most); ++y)
         for (std::int64_t at = 0; at < rowBytes; at += lineBytes)
             __builtin_prefetch(plane.row(y) + at);
 }
@@ -70,161 +68,202 @@ void fetchFirstRows(const WorkPlane& plane, std::int32_t width, std::int32_t hei
 BlendPile::BlendPile(ilImage& target, std::int32_t x, std::int32_t y)
     : target_{Ref<ilImage>(&target), true, x, y} {}
 
-void BlendPile::add(GenericBlender& blender, const ilTile& box) {
-    put(blender, false, 0, box);
+// The source may stand far off.
+bool BlendPile::add(GenericBlender& blender, const Source& source, const ilTile& box) {
+    if (box.isEmpty()) return false;
+    const WideBox whole = wideBox(box);
+    bool drawn = false;
+    for (std::int64_t y = ((whole.y0 - source.y) & -side) + source.y; y < whole.y1; y += side)
+        for (std::int64_t x = ((whole.x0 - source.x) & -side) + source.x; x < whole.x1; x += side)
+            drawn =
+                addPage(blender, source, x, y, common(whole, {x, y, x + side, y + side})) || drawn;
+    return drawn;
 }
 
-void BlendPile::addConstant(GenericBlender& blender, std::uint32_t pixel, const ilTile& box) {
-    put(blender, true, pixel, box);
-}
-
-void BlendPile::put(GenericBlender& blender, bool isConstant, std::uint32_t pixel,
-                    const ilTile& box) {
-    if (box.isEmpty()) return;
-    if (pageCount_ >= mostPages) run();
-    const std::size_t cell = cellOf(box);
-    const bool samePage =
-        !pieces_.empty() && pieces_.back().blender == &blender && pieces_.back().cell == cell;
-    if (!samePage) {
-        if (!isConstant) ++pageCount_;
-        blender.prepareRecords();
+// Beyond the limit of smart images there is nothing but the fill.
+bool BlendPile::addPage(GenericBlender& blender, const Source& source, std::int64_t x,
+                        std::int64_t y, const WideBox& box) {
+    if (kept_.count() >= mostPages) run();
+    const auto inLimit = [](std::int64_t place) {
+        return place >= -coordinateLimit && place < coordinateLimit;
+    };
+    const std::int64_t ownX = x - source.x, ownY = y - source.y;
+    ilSmartImage::PageSight sight;
+    if (inLimit(ownX) && inLimit(ownY)) {
+        sight = source.image->keepPage(static_cast<std::int32_t>(ownX),
+                                       static_cast<std::int32_t>(ownY), source.skipsEmpty, kept_);
+    } else {
+        sight.isSolid = true;
+        sight.solid = source.image->pages().solidValue();
     }
-    pieces_.push_back({&blender,
-                       isConstant ? nullptr : sourceOf(blender),
-                       pixel,
-                       cell,
-                       {box.x, box.y, std::int64_t{box.x} + box.nx, std::int64_t{box.y} + box.ny}});
+    Piece piece{&blender, sight.data, sight.isSolid, x, y, ~std::uint64_t{0}, box};
+    if (sight.isSolid) {
+        if (source.skipsEmpty && sight.solid >> 24 == 0) return false;
+        constants_.emplace_back().fill(sight.solid);
+        piece.pixels = reinterpret_cast<std::uint8_t*>(constants_.back().data());
+    } else if (!sight.data) {
+        return false;
+    } else if (source.skipsEmpty) {
+        piece.cells = sight.filledCells;
+    }
+    blender.prepareRecords();
+    chain(piece);
+    return true;
 }
 
-// Of the latest blenders there are few; who adds goes through cells or through blenders.
-BlendPile::Source* BlendPile::sourceOf(GenericBlender& blender) {
-    const auto found = std::find_if(sources_.rbegin(), sources_.rend(),
-                                    [&](const Source& each) { return each.blender == &blender; });
-    if (found != sources_.rend()) return &*found;
-    Source& source = sources_.emplace_back();
-    source.blender = &blender;
-    return &source;
+void BlendPile::chain(const Piece& piece) {
+    Cell& cell = cellAt(piece.box.x0 & -side, piece.box.y0 & -side);
+    (cell.first == none ? cell.first : pieces_[cell.last].next) = pieces_.size();
+    cell.last = pieces_.size();
+    pieces_.push_back(piece);
 }
 
-std::size_t BlendPile::cellOf(const ilTile& box) {
-    const std::int64_t x = box.x & -side, y = box.y & -side;
+BlendPile::Cell& BlendPile::cellAt(std::int64_t x, std::int64_t y) {
     for (std::size_t n = 0; n < cells_.size(); ++n) {
         const std::size_t at = (lastCell_ + n) % cells_.size();
-        if (cells_[at].x == x && cells_[at].y == y) return lastCell_ = at;
+        if (cells_[at].x == x && cells_[at].y == y) return cells_[lastCell_ = at];
     }
-    cells_.push_back({x, y});
-    return lastCell_ = cells_.size() - 1;
+    lastCell_ = cells_.size();
+    return cells_.emplace_back(Cell{x, y});
 }
 
+// Sources have been read already: a target that shares a page with one gets its copy now, and the
+// source keeps the page it has.
 void BlendPile::run() {
     if (pieces_.empty()) return;
     InputPages target;
     try {
         if (target.begin(target_)) {
-            // What is read first: a target that shares a page with a source then gets its copy, and
-            // the source keeps the page it has.
-            lockSources();
             lockTarget(target);
-            work();
+            work(target);
         }
     } catch (const std::bad_alloc&) {
     }
     target.end();
-    for (Source& source : sources_) source.pages.end();
     clear();
 }
 
-void BlendPile::lockSources() {
-    for (Source& source : sources_)
-        if (!source.pages.begin(source.blender->input(InputSource))) source.pages.end();
-    for (const Piece& piece : pieces_) {
-        if (!piece.source) {
-            WorkPlane plane;
-            plane.base = reinterpret_cast<std::uint8_t*>(constants_.emplace_back().data());
-            constants_.back().fill(piece.pixel);
-            plane.channels = plane.bytesPerPixel = 4;
-            chain(piece, piece.box, plane);
-        } else if (piece.source->pages.isBound()) {
-            eachPage(piece.source->pages, piece.source->view, piece.box,
-                     [&](const WideBox& box, const WorkPlane& plane) { chain(piece, box, plane); });
-        }
-    }
-}
-
-void BlendPile::chain(const Piece& piece, const WideBox& box, const WorkPlane& source) {
-    Cell& cell = cells_[piece.cell];
-    (cell.first == none ? cell.first : layered_[cell.last].next) = layered_.size();
-    cell.last = layered_.size();
-    layered_.push_back({piece.blender, source, !piece.source, box, none});
-}
-
 void BlendPile::lockTarget(InputPages& target) {
-    PageView view;
     for (Cell& cell : cells_) {
-        cell.begin = parts_.size();
-        for (std::size_t n = cell.first; n != none; n = layered_[n].next) {
-            const Layered& each = layered_[n];
-            eachPage(target, view, each.box, [&](const WideBox& box, const WorkPlane& plane) {
-                Part& part = parts_.emplace_back();
-                part.blender = each.blender;
-                part.y = box.y0;
-                part.record.width = static_cast<std::int32_t>(box.width());
-                part.record.height = static_cast<std::int32_t>(box.height());
-                part.record.planes[InputDestination] = plane;
-                WorkPlane& source = part.record.planes[InputSource] = each.source;
-                part.record.constantSource = each.isConstant;
-                if (each.isConstant) return;
-                source.base += (box.y0 - each.box.y0) * source.rowBytes() +
-                               (box.x0 - each.box.x0) * source.bytesPerPixel;
+        cell.firstView = cell.lastView = views_.size();
+        for (std::size_t n = cell.first; n != none; n = pieces_[n].next) {
+            const Piece& piece = pieces_[n];
+            const WideBox inside = target.clipped(piece.box);
+            if (inside.isEmpty()) continue;
+            if (cell.lastView > cell.firstView && holds(views_.back().area, inside)) continue;
+            eachFilledBox(piece.cells, piece.x, piece.y, [&](const WideBox& filled) {
+                lockTarget(target, cell, common(inside, filled));
             });
         }
-        cell.end = parts_.size();
     }
 }
 
-void BlendPile::work() const {
+// Those pages that it meets and that aren't locked yet.
+void BlendPile::lockTarget(InputPages& target, Cell& cell, const WideBox& box) {
+    std::int64_t rowEnd = box.y1;
+    for (std::int64_t y = box.y0; y < box.y1; y = rowEnd) {
+        rowEnd = box.y1;
+        for (std::int64_t x = box.x0; x < box.x1;) {
+            std::size_t at = cell.firstView;
+            while (at < views_.size() && !holds(views_[at].area, {x, y, x + 1, y + 1})) ++at;
+            if (at == views_.size()) views_.push_back(target.pageAt(x, y));
+            const PageView& view = views_[at];
+            rowEnd = std::min(rowEnd, view.area.y1);
+            x = view.area.x1;
+        }
+    }
+    cell.lastView = views_.size();
+}
+
+// The rows of a cell between two places, in the order of its pieces.
+class BlendPile::Work {
+  public:
+    Work(const BlendPile& pile, const Cell& cell, std::int32_t targetChannels)
+        : pile_(pile), cell_(cell), targetChannels_(targetChannels) {}
+
+    void blendRows(std::int64_t from, std::int64_t to) {
+        for (std::size_t n = cell_.first; n != none; n = pile_.pieces_[n].next) {
+            const Piece& piece = pile_.pieces_[n];
+            const WideBox rows{piece.box.x0, std::max(piece.box.y0, from), piece.box.x1,
+                               std::min(piece.box.y1, to)};
+            if (rows.isEmpty()) continue;
+            for (std::size_t at = cell_.firstView; at < cell_.lastView; ++at) {
+                const PageView& view = pile_.views_[at];
+                const WideBox part = common(rows, view.area);
+                if (!view.data || part.isEmpty()) continue;
+                eachFilledBox(piece.cells, piece.x, piece.y, [&](const WideBox& filled) {
+                    put(piece, view, common(part, filled));
+                });
+            }
+        }
+        if (blender_) blender_->blendRecord(waiting_);
+    }
+
+  private:
+    // One behind, so that the next one's pixels come meanwhile.
+    void put(const Piece& piece, const PageView& view, const WideBox& box) {
+        if (box.isEmpty()) return;
+        WorkRecord record;
+        record.width = static_cast<std::int32_t>(box.width());
+        record.height = static_cast<std::int32_t>(box.height());
+        WorkPlane& target = record.planes[InputDestination];
+        target.stride = view.stride;
+        target.channels = target.bytesPerPixel = targetChannels_;
+        target.base = view.data + (box.y0 - view.y) * target.rowBytes() +
+                      (box.x0 - view.x) * target.bytesPerPixel;
+        WorkPlane& source = record.planes[InputSource];
+        source.base = piece.pixels;
+        source.channels = source.bytesPerPixel = 4;
+        record.constantSource = piece.isConstant;
+        if (!piece.isConstant) {
+            source.stride = pageSide;
+            source.base +=
+                (box.y0 - piece.y) * source.rowBytes() + (box.x0 - piece.x) * source.bytesPerPixel;
+        }
+        fetchFirstRows(record);
+        if (blender_) blender_->blendRecord(waiting_);
+        blender_ = piece.blender;
+        waiting_ = record;
+    }
+
+    const BlendPile& pile_;
+    const Cell& cell_;
+    std::int32_t targetChannels_;
+    const GenericBlender* blender_ = nullptr;
+    WorkRecord waiting_;
+};
+
+void BlendPile::work(const InputPages& target) const {
+    const auto blend = [&](const Cell& cell, std::int64_t from, std::int64_t to) {
+        Work(*this, cell, target.channels()).blendRows(from, to);
+    };
     std::int64_t pixels = 0;
-    for (const Part& part : parts_) pixels += part.record.pixels();
-    if (pixels <= someWork) {
-        for (const Cell& cell : cells_) blendRows(cell, cell.y, cell.y + side);
+    for (const Piece& piece : pieces_)
+        pixels += std::min<std::int64_t>(piece.box.width() * piece.box.height(),
+                                         pixelsOfCell * std::popcount(piece.cells));
+    if (pixels <= someWork || TaskPool::instance().size() == 0) {
+        for (const Cell& cell : cells_) blend(cell, cell.y, cell.y + side);
         return;
     }
-    constexpr std::int64_t rows = side / sharesPerCell;
-    const auto share = [this](std::size_t n) {
-        const Cell& cell = cells_[n / sharesPerCell];
-        const std::int64_t y = cell.y + static_cast<std::int64_t>(n % sharesPerCell) * rows;
-        blendRows(cell, y, y + rows);
+    // Halves of cells where those are few.
+    const std::size_t parts = cells_.size() < manyCells ? 2 : 1;
+    const std::int64_t rows = side / static_cast<std::int64_t>(parts);
+    const auto share = [&](std::size_t n) {
+        const Cell& cell = cells_[n / parts];
+        const std::int64_t from = cell.y + static_cast<std::int64_t>(n % parts) * rows;
+        blend(cell, from, from + rows);
     };
-    shareWork(cells_.size() * sharesPerCell, share,
+    shareWork(cells_.size() * parts, share,
               pixels > muchWork ? SharedWork::Much : SharedWork::Some);
-}
-
-void BlendPile::blendRows(const Cell& cell, std::int64_t fromY, std::int64_t toY) const {
-    const GenericBlender* blender = nullptr;
-    WorkRecord rows;
-    for (std::size_t n = cell.begin; n < cell.end; ++n) {
-        const Part& part = parts_[n];
-        const std::int64_t from = std::max(fromY, part.y);
-        const std::int64_t to = std::min(toY, part.y + part.record.height);
-        if (from >= to) continue;
-        const WorkRecord next = rowsOf(part.record, from - part.y, to - from);
-        fetchFirstRows(next.planes[InputSource], next.width, next.height);
-        if (blender) blender->blendRecord(rows);
-        blender = part.blender;
-        rows = next;
-    }
-    if (blender) blender->blendRecord(rows);
 }
 
 void BlendPile::clear() {
     pieces_.clear();
-    sources_.clear();
     cells_.clear();
     lastCell_ = 0;
-    pageCount_ = 0;
+    kept_.giveBack();
     constants_.clear();
-    layered_.clear();
-    parts_.clear();
+    views_.clear();
 }
 
 }  // namespace brushwork::npc

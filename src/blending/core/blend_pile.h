@@ -3,13 +3,13 @@
 // between threads.
 //
 //     BlendPile pile(target, 0, 0);
-//     pile.add(*lower, box);  // as lower->run(box)
-//     pile.add(*upper, box);
+//     pile.add(*lower, {picture.get(), 40, 25, true}, box);  // as with that source lower->run(box)
+//     pile.add(*upper, {other.get(), 0, 0, true}, box);
 //     pile.run();
 //
-// The pixels are those of the runs one after another. Blenders have no mask image and no second
-// planes, and keep their settings until run(), which the destructor doesn't call. A pile belongs to
-// one thread.
+// The pixels are those of the runs one after another. Blenders are bound to no image, and keep
+// their settings until run(), which the destructor doesn't call; sources stay as they are as long.
+// A pile belongs to one thread.
 #pragma once
 
 #include <array>
@@ -19,6 +19,7 @@
 
 #include "blending/core/generic_blender.h"
 #include "blending/core/input_pages.h"
+#include "image/smart/il_smart_image.h"
 
 namespace brushwork::npc {
 
@@ -27,16 +28,20 @@ class BlendPile {
     // Cells lie on a grid of this many pixels.
     static constexpr std::int32_t cellSide = 128;
 
-    // The target's pixel (0, 0) lies at (x, y); blenders needn't be bound to it.
+    struct Source {
+        ilSmartImage* image;  // of four channels
+        std::int32_t x, y;    // where its pixel (0, 0) lies
+        bool skipsEmpty;      // pixels of 0 change nothing
+    };
+
+    // The target's pixel (0, 0) lies at (x, y).
     BlendPile(ilImage& target, std::int32_t x, std::int32_t y);
     BlendPile(const BlendPile&) = delete;
     BlendPile& operator=(const BlendPile&) = delete;
 
-    // The box lies in one cell. Calls run() first where the pile would lock more pages at a time
-    // than other runs do.
-    void add(GenericBlender& blender, const ilTile& box);
-    // With this constant source; the blender has no source image.
-    void addConstant(GenericBlender& blender, std::uint32_t pixel, const ilTile& box);
+    // The box lies in one cell. Calls run() first where the pile would keep more pages at a time
+    // than other runs do. False if there is nothing to blend.
+    bool add(GenericBlender& blender, const Source& source, const ilTile& box);
     // What lies outside an image that has bounds, or in a page that can't be had, stays untouched;
     // short of memory, the rest is left out.
     void run();
@@ -44,57 +49,39 @@ class BlendPile {
   private:
     static constexpr std::size_t none = ~std::size_t{0};
 
-    struct Source {
-        GenericBlender* blender;
-        InputPages pages;
-        PageView view;  // the latest of them
-    };
+    // Of one page of a source; those of a cell are chained.
     struct Piece {
-        GenericBlender* blender;
-        Source* source;  // null: the pixel
-        std::uint32_t pixel;
-        std::size_t cell;
-        WideBox box;
-    };
-    // A piece within one page of its source; those of a cell are chained.
-    struct Layered {
         const GenericBlender* blender;
-        WorkPlane source;
+        std::uint8_t* pixels;  // of the page, from its corner; or one that stands for all
         bool isConstant;
+        std::int64_t x, y;    // the page's corner
+        std::uint64_t cells;  // of the page: those that are blended, as in SmartPage
         WideBox box;
-        std::size_t next;
+        std::size_t next = none;
     };
     struct Cell {
         std::int64_t x, y;
-        std::size_t first = none, last = none;  // of layered_
-        std::size_t begin = 0, end = 0;         // of parts_
+        std::size_t first = none, last = none;    // of pieces_
+        std::size_t firstView = 0, lastView = 0;  // of views_, the end outside
     };
-    // And within one page of the target.
-    struct Part {
-        const GenericBlender* blender;
-        std::int64_t y;
-        WorkRecord record;
-    };
+    class Work;
 
-    void put(GenericBlender& blender, bool isConstant, std::uint32_t pixel, const ilTile& box);
-    [[nodiscard]] Source* sourceOf(GenericBlender& blender);
-    [[nodiscard]] std::size_t cellOf(const ilTile& box);
-    void lockSources();
-    void chain(const Piece& piece, const WideBox& box, const WorkPlane& source);
+    bool addPage(GenericBlender& blender, const Source& source, std::int64_t x, std::int64_t y,
+                 const WideBox& box);
+    void chain(const Piece& piece);
+    [[nodiscard]] Cell& cellAt(std::int64_t x, std::int64_t y);
     void lockTarget(InputPages& target);
-    void work() const;
-    void blendRows(const Cell& cell, std::int64_t fromY, std::int64_t toY) const;
+    void lockTarget(InputPages& target, Cell& cell, const WideBox& box);
+    void work(const InputPages& target) const;
     void clear();
 
     BlendSlot target_;
     std::vector<Piece> pieces_;
-    std::deque<Source> sources_;
     std::vector<Cell> cells_;
-    std::size_t lastCell_ = 0;   // that something was put in
-    std::size_t pageCount_ = 0;  // of sources, about
+    std::size_t lastCell_ = 0;  // that something was put in
+    KeptPages kept_;
     std::deque<std::array<std::uint32_t, 8>> constants_;
-    std::vector<Layered> layered_;
-    std::vector<Part> parts_;
+    std::vector<PageView> views_;  // of the target's pages
 };
 
 }  // namespace brushwork::npc

@@ -50,14 +50,11 @@ class PreparedBlend {
 
   private:
     [[nodiscard]] ilTile inSource(const ilTile& part) const;
-    bool putPage(npc::BlendPile& pile, std::int64_t x, std::int64_t y, const ilTile& part);
-    [[nodiscard]] npc::GenericBlender& constantBlender();
 
-    Placed source_;
-    std::int32_t mode_;
-    float opacity_;
-    std::shared_ptr<npc::GenericBlender> blender_, constantBlender_;
-    bool skipsClear_;
+    Ref<ilSmartImage> image_;
+    npc::BlendPile::Source source_;
+    bool hidesAll_;  // where it is opaque
+    std::shared_ptr<npc::GenericBlender> blender_;
 };
 
 }  // namespace brushwork
