@@ -93,9 +93,22 @@ bool blend(const BlendRun& run, const npc::TileSet& boxes) {
 
 npc::TileSet tilesOf(const ilPageTileManager& record, const ilTile& area) {
     npc::TileSet tiles;
-    for (const auto& [cell, tile] : record.cells()) {
-        const ilTile part = intersection(tile, area);
+    const ilTile inside = intersection(area, record.bounds());
+    if (inside.isEmpty()) return tiles;
+    constexpr int cellBits = 7;
+    const std::int32_t left = inside.x >> cellBits, right = (inside.endX() - 1) >> cellBits;
+    const std::int32_t bottom = inside.y >> cellBits, top = (inside.endY() - 1) >> cellBits;
+    const auto& cells = record.cells();
+    for (auto at = cells.lower_bound({left, bottom});
+         at != cells.end() && at->first.first <= right;) {
+        const auto [x, y] = at->first;
+        if (y < bottom || y > top) {
+            at = cells.lower_bound({y < bottom ? x : x + 1, bottom});
+            continue;
+        }
+        const ilTile part = intersection(at->second, inside);
         if (!part.isEmpty()) tiles.insert(part);
+        ++at;
     }
     return tiles;
 }

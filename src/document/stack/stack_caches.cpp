@@ -83,7 +83,7 @@ bool showsSelection(const StackParts& stack, bool withSelection) {
            selection.layer->opacity() > invisibleEnough && selection.layer->blendMode() == 0;
 }
 
-void rebuildBelow(StackParts& stack, Ref<ilSmartImage>& out) {
+void rebuildBelow(StackParts& stack, Ref<ilSmartImage>& out, const BelowStep& step) {
     if (stack.damage.lockCount > 0) return;
     out.reset();
     const std::vector<Layer*> layers = layersBelow(stack);
@@ -106,7 +106,9 @@ void rebuildBelow(StackParts& stack, Ref<ilSmartImage>& out) {
     std::vector<Layer*> shown;
     for (std::size_t n = found.length; n < layers.size(); ++n)
         if (layers[n]->isDrawable()) shown.push_back(layers[n]);
-    const bool drawn = drawLayers(stack, shown, *painter, wholeCanvas(stack)) || found.length > 0;
+    LayerDraw draw = wholeCanvas(stack);
+    if (step) draw.blockDone = [&](const ilTile& block) { step(*image, block); };
+    const bool drawn = drawLayers(stack, shown, *painter, draw) || found.length > 0;
     if (!stack.transform.open && found.length < layers.size())
         stack.caches.groups.store(ground, ids, *image);
     if (!drawn) return;
@@ -114,8 +116,8 @@ void rebuildBelow(StackParts& stack, Ref<ilSmartImage>& out) {
     out = image;
 }
 
-void refreshBelow(StackParts& stack) {
-    rebuildBelow(stack, stack.caches.below);
+void refreshBelow(StackParts& stack, const BelowStep& step) {
+    rebuildBelow(stack, stack.caches.below, step);
     if (stack.damage.lockCount > 0) return;
     stack.caches.belowStale = false;
     stack.caches.belowTiles.clear();
@@ -151,21 +153,22 @@ void refreshAbove(StackParts& stack, bool refreshMask) {
     stack.caches.aboveTiles.clear();
 }
 
-void freshenCaches(StackParts& stack) {
+void freshenCaches(StackParts& stack, const BelowStep& step) {
     if (stack.damage.lockCount > 0) return;
     CompositeCaches& caches = stack.caches;
     if (caches.aboveStale ||
         (!caches.aboveTiles.isEmpty() && caches.aboveIsSimple && !caches.above))
         refreshAbove(stack, false);
-    if (caches.belowStale || (!caches.belowTiles.isEmpty() && !caches.below)) refreshBelow(stack);
     if (caches.above && !caches.aboveTiles.isEmpty())
         patch(stack, *caches.above, caches.aboveTiles, 0, drawnAbove(stack, true));
+    caches.aboveTiles.clear();
+    if (caches.belowStale || (!caches.belowTiles.isEmpty() && !caches.below))
+        refreshBelow(stack, step);
     if (!caches.belowTiles.isEmpty()) {
         std::vector<Layer*> layers = layersBelow(stack);
         std::erase_if(layers, [](Layer* layer) { return !layer->isDrawable(); });
         patch(stack, *caches.below, caches.belowTiles, groundOf(stack), layers);
     }
-    caches.aboveTiles.clear();
     caches.belowTiles.clear();
 }
 

@@ -1,6 +1,7 @@
 #include "document/stack/stack_compose.h"
 
 #include <deque>
+#include <optional>
 
 #include "blending/paint/soft_paint_ops.h"
 #include "document/layer/prepared_blend.h"
@@ -162,6 +163,21 @@ void Composer::upper(ilSmartImage* above, bool withSelection) {
         drawLayer(stack, stack.selection.layer.get(), target, draw);
 }
 
+// Makes the caches good. Where what lies below is made anew, its blocks go into the plane as they
+// come; true if they did.
+bool freshenAndCompose(StackParts& stack) {
+    PaintOps& target = *stack.plane.ops;
+    std::optional<Composer> composer;
+    freshenCaches(stack, [&](ilSmartImage& below, const ilTile& block) {
+        if (!drawsPlainly(stack) || !target.image()) return;
+        if (!composer) composer.emplace(stack, target);
+        ilPageTileManager part;
+        for (const ilTile& tile : tilesOf(stack.damage.tiles, block)) part.addTile(tile);
+        composer->compose(part, stack.caches.above.get(), &below, true, true);
+    });
+    return composer.has_value();
+}
+
 }  // namespace
 
 void compositeTiles(StackParts& stack, ilSmartImage* above, ilSmartImage* below, bool useMask,
@@ -187,9 +203,9 @@ void compositeTiles(StackParts& stack, ilSmartImage* above, ilSmartImage* below,
 void compositeNow(StackParts& stack) {
     if (stack.damage.lockCount > 0 || !stack.plane.ops) return;
     if (stack.active.layer && !stack.damage.tiles.isEmpty()) {
-        freshenCaches(stack);
-        compositeTiles(stack, stack.caches.above.get(), stack.caches.below.get(), true, true,
-                       *stack.plane.ops);
+        if (!freshenAndCompose(stack))
+            compositeTiles(stack, stack.caches.above.get(), stack.caches.below.get(), true, true,
+                           *stack.plane.ops);
         if (stack.display.image)
             for (const auto& [cell, tile] : stack.damage.tiles.cells())
                 stack.display.tiles.addTile(tile);

@@ -13,6 +13,7 @@
 #include "document/stack/blend_run.h"
 #include "document/stack/stack_lookup.h"
 #include "document/stack/stack_raster.h"
+#include "image/memory/image_lock.h"
 
 namespace brushwork::stack {
 namespace {
@@ -78,8 +79,8 @@ npc::TileSet boxesOf(const LayerDraw& draw, const ilTile& area) {
     return boxes;
 }
 
-// Blocks of whole pages.
-constexpr std::int32_t blockX = 512, blockY = 256;
+// Blocks of whole pages. Small ones, so that they are still at hand when they go into the plane.
+constexpr std::int32_t blockX = 256, blockY = 128;
 constexpr std::int32_t cellSide = npc::BlendPile::cellSide;
 
 // One of several plain layers that are drawn together.
@@ -122,7 +123,10 @@ std::size_t findLowest(BlockCell& cell, std::span<BlockLayer> layers) {
 bool drawBlock(StackParts& stack, std::span<BlockLayer> layers, PaintOps& target,
                const LayerDraw& draw, std::span<BlockCell> cells, npc::BlendPile& pile) {
     std::size_t first = layers.size();
-    for (BlockCell& cell : cells) first = std::min(first, findLowest(cell, layers));
+    {
+        const ImageLockScope lock;  // once for all looks at pages
+        for (BlockCell& cell : cells) first = std::min(first, findLowest(cell, layers));
+    }
     bool drawn = false;
     for (std::size_t n = first; n < layers.size(); ++n) {
         BlockLayer& each = layers[n];
@@ -189,6 +193,7 @@ bool drawBlocks(StackParts& stack, std::span<Layer* const> layers, PaintOps& tar
         }
         if (whole.tiles) draw.tiles = &tiles;
         drawn = drawBlock(stack, ready, target, draw, cells, pile) || drawn;
+        if (whole.blockDone) whole.blockDone(draw.box);
     }
     if (whole.refreshThumbnail)
         for (Layer* layer : layers) static_cast<void>(layer->thumbnailImage(nullptr, 0, 0));
@@ -319,7 +324,9 @@ bool drawLayers(StackParts& stack, std::span<Layer* const> layers, PaintOps& tar
             layers = layers.subspan(1);
             continue;
         }
-        drawn = drawBlocks(stack, layers.first(plain), target, draw) || drawn;
+        LayerDraw together = draw;
+        if (plain < layers.size()) together.blockDone = {};
+        drawn = drawBlocks(stack, layers.first(plain), target, together) || drawn;
         layers = layers.subspan(plain);
     }
     return drawn;

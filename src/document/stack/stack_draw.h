@@ -1,6 +1,7 @@
 // Drawing layers into a target.
 #pragma once
 
+#include <functional>
 #include <span>
 
 #include "document/stack/stack_parts.h"
@@ -23,6 +24,9 @@ struct LayerDraw {
     MaskingPaintOps* pending = nullptr;
     bool onStencil = false;                    // the stroke goes into the stencil
     const ilPageTileManager* tiles = nullptr;  // null: the whole box
+    // By drawLayers, where the topmost are drawn together block by block: told each block of the
+    // box that is done, while it is still at hand. Else never.
+    std::function<void(const ilTile& block)> blockDone;
 };
 
 // Composites one layer or group into the painter's image. True if anything was drawn.
