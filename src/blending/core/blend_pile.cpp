@@ -17,18 +17,6 @@ constexpr std::int64_t pixelsOfCell = 16 * 16;  // of those that are known of a 
 // No more isn't worth waking anybody, or sharing at all.
 constexpr std::int64_t muchWork = 131072, someWork = 8192;
 
-bool holds(const WideBox& area, const WideBox& box) {
-    return box.x0 >= area.x0 && box.y0 >= area.y0 && box.x1 <= area.x1 && box.y1 <= area.y1;
-}
-
-WideBox common(const WideBox& a, const WideBox& b) {
-    return {std::max(a.x0, b.x0), std::max(a.y0, b.y0), std::min(a.x1, b.x1), std::min(a.y1, b.y1)};
-}
-
-WideBox wideBox(const ilTile& box) {
-    return {box.x, box.y, std::int64_t{box.x} + box.nx, std::int64_t{box.y} + box.ny};
-}
-
 // Visits the boxes around what is filled in each row of cells of a page whose corner is (x, y),
 // those of equal rows as one.
 template <class Visit>
@@ -76,7 +64,8 @@ bool BlendPile::add(GenericBlender& blender, const Source& source, const ilTile&
     for (std::int64_t y = ((whole.y0 - source.y) & -side) + source.y; y < whole.y1; y += side)
         for (std::int64_t x = ((whole.x0 - source.x) & -side) + source.x; x < whole.x1; x += side)
             drawn =
-                addPage(blender, source, x, y, common(whole, {x, y, x + side, y + side})) || drawn;
+                addPage(blender, source, x, y, intersection(whole, {x, y, x + side, y + side})) ||
+                drawn;
     return drawn;
 }
 
@@ -152,7 +141,7 @@ void BlendPile::lockTarget(InputPages& target) {
             if (inside.isEmpty()) continue;
             if (cell.lastView > cell.firstView && holds(views_.back().area, inside)) continue;
             eachFilledBox(piece.cells, piece.x, piece.y, [&](const WideBox& filled) {
-                lockTarget(target, cell, common(inside, filled));
+                lockTarget(target, cell, intersection(inside, filled));
             });
         }
     }
@@ -189,10 +178,10 @@ class BlendPile::Work {
             if (rows.isEmpty()) continue;
             for (std::size_t at = cell_.firstView; at < cell_.lastView; ++at) {
                 const PageView& view = pile_.views_[at];
-                const WideBox part = common(rows, view.area);
+                const WideBox part = intersection(rows, view.area);
                 if (!view.data || part.isEmpty()) continue;
                 eachFilledBox(piece.cells, piece.x, piece.y, [&](const WideBox& filled) {
-                    put(piece, view, common(part, filled));
+                    put(piece, view, intersection(part, filled));
                 });
             }
         }

@@ -24,14 +24,6 @@ constexpr std::int64_t leastShare = 4096, largestShare = 32768;
 // No vector holds more pixels.
 constexpr std::int64_t vectorPixels = 8;
 
-bool lies(const WideBox& box, const WideBox& area) {
-    return box.x0 >= area.x0 && box.y0 >= area.y0 && box.x1 <= area.x1 && box.y1 <= area.y1;
-}
-
-WideBox wideBox(const ilTile& tile) {
-    return {tile.x, tile.y, std::int64_t{tile.x} + tile.nx, std::int64_t{tile.y} + tile.ny};
-}
-
 }  // namespace
 
 // A run, from the taking of the images to their release. Batches give back their pages and records
@@ -143,7 +135,7 @@ void Blender::holdLastPage() {
 
 const Blender::HeldPage* Blender::heldPageAt(std::int64_t x, std::int64_t y) const {
     for (std::size_t n = 0; n < heldCount_; ++n)
-        if (lies({x, y, x + 1, y + 1}, heldPages_[n].area)) return &heldPages_[n];
+        if (holds(heldPages_[n].area, {x, y, x + 1, y + 1})) return &heldPages_[n];
     return nullptr;
 }
 
@@ -153,10 +145,10 @@ bool Blender::runInHeldPages(const ilTile& rect, const ilTile& room) {
     WideBox box = wideBox(rect);
     const std::int64_t pixels = box.width() * box.height();
     if (threaded_ && pixels > someWork) return false;
-    if (heldCurrent_ >= heldCount_ || !lies(box, heldPages_[heldCurrent_].area)) {
+    if (heldCurrent_ >= heldCount_ || !holds(heldPages_[heldCurrent_].area, box)) {
         const HeldPage* const page = heldPageAt(box.x0, box.y0);
         if (!page) return false;
-        if (!lies(box, page->area)) return runAcrossHeldPages(box);
+        if (!holds(page->area, box)) return runAcrossHeldPages(box);
         heldCurrent_ = static_cast<std::size_t>(page - heldPages_.data());
     }
     pixelCount_ += static_cast<std::uint64_t>(pixels);

@@ -27,10 +27,6 @@ WideBox moved(const WideBox& box, std::int64_t dx, std::int64_t dy) {
     return {box.x0 + dx, box.y0 + dy, box.x1 + dx, box.y1 + dy};
 }
 
-WideBox common(const WideBox& a, const WideBox& b) {
-    return {std::max(a.x0, b.x0), std::max(a.y0, b.y0), std::min(a.x1, b.x1), std::min(a.y1, b.y1)};
-}
-
 ilPage* pageOf(const PageLockRequest& request) {
     return request.status == ImageOk ? request.page : nullptr;
 }
@@ -91,7 +87,7 @@ WideBox InputPages::clipped(const WideBox& box) const {
     const std::int64_t reach = mode_ == LockWrite ? farthestWritten : farthest;
     const WideBox pixels =
         bounded_ ? WideBox{0, 0, sizeX_, sizeY_} : WideBox{-reach, -reach, reach, reach};
-    return common(box, moved(pixels, offsetX_, offsetY_));
+    return intersection(box, moved(pixels, offsetX_, offsetY_));
 }
 
 PageView InputPages::pageAt(std::int64_t x, std::int64_t y) {

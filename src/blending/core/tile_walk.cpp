@@ -55,9 +55,7 @@ WideBox TileWalk::presentPages() const {
     WideBox common = clipped({INT32_MIN, INT32_MIN, INT32_MAX, INT32_MAX});
     for (std::size_t n = 0; n < blendInputCount; ++n) {
         if (!inputs_[n].isBound()) continue;
-        const WideBox& area = current_[n].area;
-        common = {std::max(common.x0, area.x0), std::max(common.y0, area.y0),
-                  std::min(common.x1, area.x1), std::min(common.y1, area.y1)};
+        common = intersection(common, current_[n].area);
     }
     return common;
 }

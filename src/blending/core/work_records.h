@@ -2,6 +2,7 @@
 // rectangle.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -39,6 +40,18 @@ struct WideBox {
     [[nodiscard]] constexpr std::int64_t height() const { return y1 - y0; }
     friend constexpr bool operator==(const WideBox&, const WideBox&) = default;
 };
+
+[[nodiscard]] constexpr WideBox wideBox(const ilTile& tile) {
+    return {tile.x, tile.y, std::int64_t{tile.x} + tile.nx, std::int64_t{tile.y} + tile.ny};
+}
+
+[[nodiscard]] constexpr bool holds(const WideBox& area, const WideBox& box) {
+    return box.x0 >= area.x0 && box.y0 >= area.y0 && box.x1 <= area.x1 && box.y1 <= area.y1;
+}
+
+[[nodiscard]] constexpr WideBox intersection(const WideBox& a, const WideBox& b) {
+    return {std::max(a.x0, b.x0), std::max(a.y0, b.y0), std::min(a.x1, b.x1), std::min(a.y1, b.y1)};
+}
 
 // One input within a rectangle. Without an image `base` is null.
 struct WorkPlane {

@@ -30,15 +30,6 @@ std::int64_t pixelsOf(const ilTile& box) {
 // No vector holds more pixels.
 constexpr std::int64_t vectorPixels = 8;
 
-WideBox inkOf(const StampImages& images) {
-    const ilTile& ink = images.inked;
-    return {ink.x, ink.y, std::int64_t{ink.x} + ink.nx, std::int64_t{ink.y} + ink.ny};
-}
-
-WideBox common(const WideBox& a, const WideBox& b) {
-    return {std::max(a.x0, b.x0), std::max(a.y0, b.y0), std::min(a.x1, b.x1), std::min(a.y1, b.y1)};
-}
-
 // Whole vectors where there is room.
 WideBox widened(WideBox box, std::int64_t left, std::int64_t right) {
     const std::int64_t width = (box.width() + vectorPixels - 1) & -vectorPixels;
@@ -116,7 +107,7 @@ bool StampBatch::lockPages() {
     if (!high_.begin({Ref<ilImage>(canvas_.high), true, 0, 0})) return false;
     if (!low_.begin({Ref<ilImage>(canvas_.low), canvas_.low != nullptr, 0, 0})) return false;
     for (const Waiting& waiting : stamps_)
-        lockPagesUnder(low_.clipped(high_.clipped(inkOf(waiting.stamp.images))));
+        lockPagesUnder(low_.clipped(high_.clipped(wideBox(waiting.stamp.images.inked))));
     return true;
 }
 
@@ -184,7 +175,7 @@ void StampBatch::layPiece(std::size_t n) {
 
 void StampBatch::layRows(GenericBlender& blender, const Sheet& sheet, const Page& page,
                          const WideBox& band) {
-    WideBox box = common(band, {sheet.left, sheet.bottom, sheet.right, sheet.top});
+    WideBox box = intersection(band, {sheet.left, sheet.bottom, sheet.right, sheet.top});
     if (box.isEmpty()) return;
     box = widened(box, std::max<std::int64_t>(sheet.roomLeft, band.x0),
                   std::min<std::int64_t>(sheet.roomRight, band.x1));
