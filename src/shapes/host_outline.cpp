@@ -5,6 +5,7 @@
 #include <cstdint>
 
 #include "foundation/host/host_calls.h"
+#include "shapes/sample_lines.h"
 
 namespace brushwork {
 namespace {
@@ -81,9 +82,13 @@ std::vector<HostSegment> closedOutline(std::span<const HostCurve> curves) {
             outline.insert(outline.end(), chain.begin(), chain.end());
             const HostSegment& first = chain.front();
             const HostSegment& last = chain.back();
-            if (meet(last, first)) continue;
-            const float x = last.x + last.dx, y = last.y + last.dy;
-            outline.push_back({x, y, first.x - x, first.y - y});
+            std::size_t count = chain.size();
+            if (!meet(last, first)) {
+                const float x = last.x + last.dx, y = last.y + last.dy;
+                outline.push_back({x, y, first.x - x, first.y - y});
+                ++count;
+            }
+            passSampleLinesOnce(std::span(outline).last(count));
         }
     }
     return outline;

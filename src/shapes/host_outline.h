@@ -43,6 +43,7 @@ using OutlineChain = std::span<const HostSegment>;
 [[nodiscard]] std::vector<HostSegment> curvePieces(HostCurve curve);
 
 // The pieces of all curves; one more piece closes each chain that ends elsewhere than it began.
+// Sample lines meet each of the chains once where it passes them (passSampleLinesOnce).
 [[nodiscard]] std::vector<HostSegment> closedOutline(std::span<const HostCurve> curves);
 
 // Where a chain begins and where each of its pieces ends, at full pressure.

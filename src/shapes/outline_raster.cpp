@@ -131,9 +131,4 @@ void applyOpacity(std::span<std::uint8_t> mask, float opacity) {
     for (std::uint8_t& byte : mask) byte = static_cast<std::uint8_t>((byte * factor) >> 8);
 }
 
-float offSampleLines(float coordinate) {
-    const float quarters = coordinate * 4.0f;
-    return quarters == std::floor(quarters) ? coordinate + 0.003921569f : coordinate;
-}
-
 }  // namespace brushwork

@@ -8,9 +8,9 @@
 // on its edges. Lines see little of an edge that runs along them, so a second pass samples columns
 // in the same way, and its result stands where the mask has its contrast between rows.
 //
-// A line that runs right through a corner may miss or double it. Where the count of crossings comes
-// out odd, lines close by are tried; a corner that turns back on the very line may still thin it.
-// Who makes an outline of corners himself keeps them off the quarters of pixels (offSampleLines).
+// A line that runs right through a corner meets both of its pieces. Where the count of crossings
+// comes out odd, lines close by are tried; two such corners on one line, as a diamond has them,
+// leave it empty. closedOutline sees to that; who makes corners himself: sample_lines.h.
 #pragma once
 
 #include <cstdint>
@@ -34,8 +34,5 @@ namespace brushwork {
 
 // Each byte times the opacity, to 1/256. From 0.997 on nothing changes.
 void applyOpacity(std::span<std::uint8_t> mask, float opacity);
-
-// A coordinate that lies exactly on a sample line is moved off it, by 1/255 of a pixel.
-[[nodiscard]] float offSampleLines(float coordinate);
 
 }  // namespace brushwork

@@ -9,6 +9,7 @@
 
 #include "foundation/services/log.h"
 #include "shapes/edge_class.h"
+#include "shapes/sample_lines.h"
 #include "shapes/shape_rig.h"
 
 namespace brushwork {
@@ -248,6 +249,53 @@ TEST(OutlineRaster, MatchesSupersampling) {
         EXPECT_LT(d.mean, 10.0) << "seed " << seed;
         EXPECT_LT(std::fabs(d.bias), 4.5) << "seed " << seed;
     }
+}
+
+// Corners on quarters of pixels at the same height on both sides, as people draw them, in rings of
+// any turn and start, leave no streaks. Of upright rectangles no edge moves.
+TEST(OutlineRaster, PassesSampleLinesOnce) {
+    const auto disc = [](double radius) {
+        Places ring = circle(32, 24, radius, 60);
+        for (Place& p : ring) p = {std::round(p.x * 4) / 4, std::round(p.y * 4) / 4};
+        return ring;
+    };
+    const std::vector<std::pair<std::string, std::vector<Places>>> cases = {
+        {"diamond", {{{32, 4}, {60, 24}, {32, 44}, {4, 24}}}},
+        {"hexagon", {{{20, 4}, {44, 4}, {58, 24}, {44, 44}, {20, 44}, {6, 24}}}},
+        {"steps", {{{32, 4}, {40, 20}, {50, 20}, {58, 44}, {6, 44}, {14, 20}, {24, 20}}}},
+        {"ring", {disc(20), disc(10)}},
+        {"rectangle", {{{8, 8}, {40, 8}, {40, 30}, {8, 30}}}}};
+    for (const auto& [name, rings] : cases)
+        for (int turned = 0; turned < 4; ++turned) {
+            SCOPED_TRACE(name + ", turned " + std::to_string(turned));
+            std::vector<HostSegment> pieces;
+            for (Places ring : rings) {
+                if (turned % 2 != 0) std::reverse(ring.begin(), ring.end());
+                std::rotate(ring.begin(), ring.begin() + turned, ring.end());
+                auto own = piecesOf({ring});
+                const auto before = own;
+                passSampleLinesOnce(own);
+                const bool isSame =
+                    std::equal(own.begin(), own.end(), before.begin(),
+                               [](const HostSegment& a, const HostSegment& b) {
+                                   return a.x == b.x && a.y == b.y && a.dx == b.dx && a.dy == b.dy;
+                               });
+                EXPECT_EQ(isSame, name == "rectangle");
+                pieces.insert(pieces.end(), own.begin(), own.end());
+            }
+            const Bytes got = rasterized(pieces, box), wanted = supersampled(rings, box);
+            EXPECT_LE(compare(got, wanted).largest, 52);
+            const auto width = static_cast<std::size_t>(box.nx);
+            int streaked = 0;
+            for (std::size_t i = width + 1; i + width + 1 < got.size(); ++i) {
+                bool isInside = true;
+                for (std::size_t row = i - width; row <= i + width; row += width)
+                    for (std::size_t at = row - 1; at <= row + 1; ++at)
+                        isInside = isInside && wanted[at] == wanted[i] && wanted[at] % 255 == 0;
+                if (isInside && got[i] != wanted[i]) ++streaked;
+            }
+            EXPECT_EQ(streaked, 0);
+        }
 }
 
 TEST(OutlineRaster, WholePixelsAreExact) {

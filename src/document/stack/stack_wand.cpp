@@ -10,6 +10,7 @@
 #include "fill/doodle_flood_fill_operation.h"
 #include "fill/flood_fill_operation.h"
 #include "shapes/outline_raster.h"
+#include "shapes/sample_lines.h"
 
 namespace brushwork::stack {
 namespace {
