@@ -86,7 +86,11 @@ void changeParms(const Operation& op, ShapeImageParms& parms) {
 }
 
 Problem runShape(JournalSession& session, const Operation& op) {
-    if (auto problem = session.enter(op)) return problem;
+    // On a canvas without layers there is none to enter: one is made.
+    const bool isFirst =
+        !op.has("layer") && session.paint.hasCanvas(activeOne) && session.paint.activeLayerId() < 0;
+    if (!isFirst)
+        if (auto problem = session.enter(op)) return problem;
     auto outline = std::make_unique<ReferenceShape>();
     for (const std::string& name : op.names("curves"))
         outline->curves.push_back(session.curves.at(name)->copy());

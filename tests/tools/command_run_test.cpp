@@ -272,7 +272,6 @@ TEST(CommandRun, ShapesOfOneLayerStayTogether) {
     TempFolder folder;
     const auto outcome = runProgram(folder, "run " + writeJournal(folder, "two.jsonl", R"(
 {"op": "canvas", "width": 90, "height": 60, "background": "#ffffff"}
-{"op": "layer"}
 {"op": "curve", "name": "left", "kind": "box", "box": [10, 10, 20, 20]}
 {"op": "curve", "name": "right", "kind": "box", "box": [50, 10, 20, 20]}
 {"op": "shape", "name": "l", "curves": ["left"], "fill": "#ff0000", "as": "shapes"}
@@ -287,6 +286,10 @@ TEST(CommandRun, ShapesOfOneLayerStayTogether) {
 {"op": "expect_pixel", "at": [20, 20], "colour": "#ffffff"}
 {"op": "undo"}
 {"op": "expect_pixel", "at": [20, 20], "colour": "#ff0000"}
+{"op": "curve", "name": "diamond", "kind": "straight", "closed": true, "points": [[70, 25], [85, 40], [70, 55], [55, 40]]}
+{"op": "shape", "name": "d", "curves": ["diamond"], "fill": "#00ff00"}
+{"op": "expect_pixel", "at": [70, 39], "colour": "#00ff00"}
+{"op": "expect_pixel", "at": [70, 40], "colour": "#00ff00"}
 )"));
     EXPECT_EQ(outcome.exitCode, 0) << outcome.err;
 }
