@@ -1,6 +1,7 @@
 #include "photograph.h"
 
 #include <cstdint>
+#include <cstdio>
 #include <cstring>
 #include <memory>
 
@@ -127,6 +128,30 @@ bool savePhotograph(const std::string& path, ilSPMemoryImg& image, std::string& 
     }
     if (status != ImagingStatus::Ok) trouble = described(status);
     return status == ImagingStatus::Ok;
+}
+
+int runSheet(int argc, char** argv, std::uint8_t paper,
+             const std::function<Ref<ilSPMemoryImg>(Ref<ilSPMemoryImg> photograph)>& draw) {
+    if (argc != 3) {
+        std::fprintf(stderr, "usage: %s PHOTOGRAPH OUT.png\n", argv[0]);
+        return 2;
+    }
+    std::string trouble;
+    const Ref<ilSPMemoryImg> photograph = openPhotograph(argv[1], paper, trouble);
+    if (!photograph) {
+        std::fprintf(stderr, "%s: %s\n", argv[1], trouble.c_str());
+        return 3;
+    }
+    const Ref<ilSPMemoryImg> sheet = draw(photograph);
+    if (!sheet || !sheet->data()) {
+        std::fprintf(stderr, "%s: there is no memory for the sheet\n", argv[1]);
+        return 3;
+    }
+    if (!savePhotograph(argv[2], *sheet, trouble)) {
+        std::fprintf(stderr, "%s: %s\n", argv[2], trouble.c_str());
+        return 4;
+    }
+    return 0;
 }
 
 }  // namespace sheet

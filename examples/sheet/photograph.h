@@ -1,6 +1,7 @@
 // Photographs between files and images.
 #pragma once
 
+#include <functional>
 #include <string>
 
 #include "brushwork/ref.h"
@@ -16,5 +17,11 @@ namespace sheet {
 // Writes an opaque picture of 4 channels as PNG.
 [[nodiscard]] bool savePhotograph(const std::string& path, brushwork::ilSPMemoryImg& image,
                                   std::string& trouble);
+
+// The program "PHOTOGRAPH OUT.png" that draws a sheet of a picture, on such a paper: its exit code.
+// Without memory `draw` answers null, or an image without pixels.
+[[nodiscard]] int runSheet(int argc, char** argv, std::uint8_t paper,
+                           const std::function<brushwork::Ref<brushwork::ilSPMemoryImg>(
+                               brushwork::Ref<brushwork::ilSPMemoryImg> photograph)>& draw);
 
 }  // namespace sheet

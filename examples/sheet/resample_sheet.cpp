@@ -4,7 +4,6 @@
 
 #include <array>
 #include <cmath>
-#include <cstdio>
 #include <functional>
 #include <string>
 #include <vector>
@@ -140,24 +139,6 @@ Picture sheetOf(ilSPMemoryImg& photograph) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    if (argc != 3) {
-        std::fprintf(stderr, "usage: %s PHOTOGRAPH OUT.png\n", argv[0]);
-        return 2;
-    }
-    std::string trouble;
-    const Picture photograph = sheet::openPhotograph(argv[1], 0x38, trouble);
-    if (!photograph) {
-        std::fprintf(stderr, "%s: %s\n", argv[1], trouble.c_str());
-        return 3;
-    }
-    const Picture sheet = sheetOf(*photograph);
-    if (!sheet) {
-        std::fprintf(stderr, "%s: there is no memory for the sheet\n", argv[1]);
-        return 3;
-    }
-    if (!sheet::savePhotograph(argv[2], *sheet, trouble)) {
-        std::fprintf(stderr, "%s: %s\n", argv[2], trouble.c_str());
-        return 4;
-    }
-    return 0;
+    return sheet::runSheet(argc, argv, 0x38,
+                           [](const Picture& photograph) { return sheetOf(*photograph); });
 }

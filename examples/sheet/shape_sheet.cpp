@@ -5,7 +5,6 @@
 
 #include <array>
 #include <cmath>
-#include <cstdio>
 #include <functional>
 #include <numbers>
 #include <string>
@@ -239,26 +238,9 @@ void serveShapes() {
 }  // namespace
 
 int main(int argc, char** argv) {
-    if (argc != 3) {
-        std::fprintf(stderr, "usage: %s PHOTOGRAPH OUT.png\n", argv[0]);
-        return 2;
-    }
-    std::string trouble;
-    const Picture photograph = sheet::openPhotograph(argv[1], 0x38, trouble);
-    if (!photograph) {
-        std::fprintf(stderr, "%s: %s\n", argv[1], trouble.c_str());
-        return 3;
-    }
     serveShapes();
-    const Picture sheet = sheetOf(*photograph);
-    if (!sheet) {
-        std::fprintf(stderr, "%s: there is no memory for the sheet\n", argv[1]);
-        return 3;
-    }
-    if (!sheet::savePhotograph(argv[2], *sheet, trouble)) {
-        std::fprintf(stderr, "%s: %s\n", argv[2], trouble.c_str());
-        return 4;
-    }
+    const int code = sheet::runSheet(
+        argc, argv, 0x38, [](const Picture& photograph) { return sheetOf(*photograph); });
     clearHostCallTable();
-    return 0;
+    return code;
 }

@@ -210,21 +210,6 @@ Image sheetOf(ilSPMemoryImg& picture) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    if (argc != 3) {
-        std::fprintf(stderr, "usage: %s IN OUT.png\n", argv[0]);
-        return 2;
-    }
-    std::string trouble;
-    const Image photograph = sheet::openPhotograph(argv[1], paper, trouble);
-    if (!photograph) {
-        std::fprintf(stderr, "%s: %s\n", argv[1], trouble.c_str());
-        return 3;
-    }
-    const Image picture = fitted(photograph);
-    const Image sheet = sheetOf(*picture);
-    if (!sheet::savePhotograph(argv[2], *sheet, trouble)) {
-        std::fprintf(stderr, "%s: %s\n", argv[2], trouble.c_str());
-        return 4;
-    }
-    return 0;
+    return sheet::runSheet(argc, argv, paper,
+                           [](const Image& photograph) { return sheetOf(*fitted(photograph)); });
 }
