@@ -1,5 +1,7 @@
 #include "document/stack/blend_run.h"
 
+#include <vector>
+
 #include "blending/modes/blender_registry.h"
 #include "document/layer/prepared_blend.h"
 
@@ -92,25 +94,8 @@ bool blend(const BlendRun& run, const npc::TileSet& boxes) {
 }
 
 npc::TileSet tilesOf(const ilPageTileManager& record, const ilTile& area) {
-    npc::TileSet tiles;
-    const ilTile inside = intersection(area, record.bounds());
-    if (inside.isEmpty()) return tiles;
-    constexpr int cellBits = 7;
-    const std::int32_t left = inside.x >> cellBits, right = (inside.endX() - 1) >> cellBits;
-    const std::int32_t bottom = inside.y >> cellBits, top = (inside.endY() - 1) >> cellBits;
-    const auto& cells = record.cells();
-    for (auto at = cells.lower_bound({left, bottom});
-         at != cells.end() && at->first.first <= right;) {
-        const auto [x, y] = at->first;
-        if (y < bottom || y > top) {
-            at = cells.lower_bound({y < bottom ? x : x + 1, bottom});
-            continue;
-        }
-        const ilTile part = intersection(at->second, inside);
-        if (!part.isEmpty()) tiles.insert(part);
-        ++at;
-    }
-    return tiles;
+    const std::vector<ilTile> tiles = record.tilesIn(area);
+    return npc::TileSet(tiles.begin(), tiles.end());
 }
 
 }  // namespace brushwork

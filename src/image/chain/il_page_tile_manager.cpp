@@ -31,6 +31,26 @@ bool ilPageTileManager::addTiles(std::span<const ilTile> tiles) {
     return changed;
 }
 
+std::vector<ilTile> ilPageTileManager::tilesIn(const ilTile& area) const {
+    std::vector<ilTile> tiles;
+    const ilTile inside = intersection(area, bounds_);
+    if (inside.isEmpty()) return tiles;
+    const std::int32_t left = inside.x >> cellShift, right = (inside.endX() - 1) >> cellShift;
+    const std::int32_t low = inside.y >> cellShift, high = (inside.endY() - 1) >> cellShift;
+    for (auto at = cells_.lower_bound({left, low});
+         at != cells_.end() && at->first.first <= right;) {
+        const auto [x, y] = at->first;
+        if (y < low || y > high) {
+            at = cells_.lower_bound({y < low ? x : x + 1, low});
+            continue;
+        }
+        const ilTile part = intersection(at->second, inside);
+        if (!part.isEmpty()) tiles.push_back(part);
+        ++at;
+    }
+    return tiles;
+}
+
 void ilPageTileManager::clear() {
     cells_.clear();
     bounds_ = {};

@@ -6,6 +6,7 @@
 #include <map>
 #include <span>
 #include <utility>
+#include <vector>
 
 #include "brushwork/il_tile.h"
 
@@ -28,6 +29,8 @@ class ilPageTileManager {
     [[nodiscard]] const ilTile& bounds() const { return bounds_; }
     [[nodiscard]] std::size_t estimatedBytes() const { return cells_.size() << 14; }
     [[nodiscard]] const std::map<Cell, ilTile>& cells() const { return cells_; }
+    // What of the tiles lies in the area, cell by cell, without a look at the cells around it.
+    [[nodiscard]] std::vector<ilTile> tilesIn(const ilTile& area) const;
 
     // The same record at 2^shift times the size, or at a 2^shift-th of it (every pixel that is
     // touched in part counts).

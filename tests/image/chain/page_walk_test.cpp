@@ -228,6 +228,11 @@ TEST(PageTileManager, AgreesWithPixels) {
         }
         EXPECT_EQ(record.cells(), touched(tiles));
         EXPECT_EQ(record.bounds(), around);
+        const ilTile area = flatTile(dice(-400, 300), dice(-400, 300), dice(0, 500), dice(0, 500));
+        std::vector<ilTile> met;
+        for (const auto& [cell, t] : record.cells())
+            if (const ilTile part = intersection(t, area); !part.isEmpty()) met.push_back(part);
+        EXPECT_EQ(record.tilesIn(area), met);
 
         const int shift = dice(1, 3);
         std::set<std::pair<std::int32_t, std::int32_t>> small, shown;
