@@ -12,29 +12,30 @@ namespace {
 
 constexpr std::size_t mostPages = 256;
 constexpr std::int64_t side = BlendPile::cellSide;
-constexpr std::size_t manyCells = 6;
-constexpr std::int64_t pixelsOfCell = 16 * 16;  // of those that are known of a page
+constexpr std::size_t manyCells = 6;  // so many are shared whole, fewer by halves
+// What is known of a page, it is known of squares in rows of so many.
+constexpr int squaresAcross = 8;
+constexpr std::int64_t squareSide = pageSide / squaresAcross;
 // No more isn't worth waking anybody, or sharing at all.
 constexpr std::int64_t muchWork = 131072, someWork = 8192;
 
-// Visits the boxes around what is filled in each row of cells of a page whose corner is (x, y),
+// Visits the boxes around what is filled in each row of squares of a page whose corner is (x, y),
 // those of equal rows as one.
 template <class Visit>
 void eachFilledBox(std::uint64_t cells, std::int64_t x, std::int64_t y, const Visit& visit) {
-    constexpr int across = 8;
-    constexpr std::int64_t cellSide = side / across;
-    for (int row = 0; row < across;) {
-        const auto bits = static_cast<std::uint8_t>(cells >> row * across);
+    for (int row = 0; row < squaresAcross;) {
+        const auto bits = static_cast<std::uint8_t>(cells >> row * squaresAcross);
         const int from = row;
         const int left = std::countr_zero(bits);
-        const int right = across - std::countl_zero(bits);
-        for (; row < across; ++row) {
-            const auto next = static_cast<std::uint8_t>(cells >> row * across);
-            if (std::countr_zero(next) != left || across - std::countl_zero(next) != right) break;
+        const int right = squaresAcross - std::countl_zero(bits);
+        for (; row < squaresAcross; ++row) {
+            const auto next = static_cast<std::uint8_t>(cells >> row * squaresAcross);
+            if (std::countr_zero(next) != left || squaresAcross - std::countl_zero(next) != right)
+                break;
         }
         if (bits != 0)
-            visit(WideBox{x + left * cellSide, y + from * cellSide, x + right * cellSide,
-                          y + row * cellSide});
+            visit(WideBox{x + left * squareSide, y + from * squareSide, x + right * squareSide,
+                          y + row * squareSide});
     }
 }
 
@@ -229,12 +230,11 @@ void BlendPile::work(const InputPages& target) const {
     std::int64_t pixels = 0;
     for (const Piece& piece : pieces_)
         pixels += std::min<std::int64_t>(piece.box.width() * piece.box.height(),
-                                         pixelsOfCell * std::popcount(piece.cells));
+                                         squareSide * squareSide * std::popcount(piece.cells));
     if (pixels <= someWork || TaskPool::instance().size() == 0) {
         for (const Cell& cell : cells_) blend(cell, cell.y, cell.y + side);
         return;
     }
-    // Halves of cells where those are few.
     const std::size_t parts = cells_.size() < manyCells ? 2 : 1;
     const std::int64_t rows = side / static_cast<std::int64_t>(parts);
     const auto share = [&](std::size_t n) {

@@ -36,10 +36,9 @@ class PreparedBlend {
         std::int32_t x, y;
     };
 
+    // Under a mode that is none, nothing is drawn.
     PreparedBlend(const Placed& source, std::int32_t mode, float opacity);
 
-    // False for a mode that is none: then nothing is drawn.
-    [[nodiscard]] bool isValid() const { return bool(blender_); }
     // Whether the part comes to show the source and nothing else.
     [[nodiscard]] bool hides(const ilTile& part);
     // The part lies in one cell of the pile. False if there is nothing to blend.

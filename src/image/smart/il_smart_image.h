@@ -216,6 +216,8 @@ class ilSmartImage : public ilSIDImage, private PageSource {
                               CopyDirection direction);
     bool sharePage(SmartPageRef& slot, ilSmartImage& source, std::int32_t x, std::int32_t y);
     bool lookUpPages(const ilTile& box);
+    // Null for another count of channels, and for an image that can't be read.
+    [[nodiscard]] SmartPageRef* slotToLookAt(std::int32_t x, std::int32_t y);
     [[nodiscard]] static PageLook lookOf(SmartPageRef& slot);
     // In memory or solid; null without memory.
     [[nodiscard]] const SmartPage* readPage(std::int32_t x, std::int32_t y);

@@ -121,6 +121,11 @@ bool ilSmartImage::isSolid(const ilTile& box, std::uint32_t& value, bool realize
     return !first;
 }
 
+SmartPageRef* ilSmartImage::slotToLookAt(std::int32_t x, std::int32_t y) {
+    if (channels_ != 4 || beginOperation() != ImageOk) return nullptr;
+    return pages_.pageRef(x & pageMask, y & pageMask, false);
+}
+
 // What was kept about a page holds for it in the swap file, too.
 ilSmartImage::PageLook ilSmartImage::lookOf(SmartPageRef& slot) {
     PageLook look;
@@ -144,9 +149,7 @@ ilSmartImage::PageLook ilSmartImage::lookOf(SmartPageRef& slot) {
 
 ilSmartImage::PageLook ilSmartImage::lookAtPage(std::int32_t x, std::int32_t y) {
     const ImageLockScope lock;
-    SmartPageRef* const slot = channels_ == 4 && beginOperation() == ImageOk
-                                   ? pages_.pageRef(x & pageMask, y & pageMask, false)
-                                   : nullptr;
+    SmartPageRef* const slot = slotToLookAt(x, y);
     return slot ? lookOf(*slot) : PageLook();
 }
 
@@ -154,9 +157,7 @@ ilSmartImage::PageSight ilSmartImage::keepPage(std::int32_t x, std::int32_t y, b
                                                KeptPages& kept) {
     const ImageLockScope lock;
     PageSight sight;
-    SmartPageRef* const slot = channels_ == 4 && beginOperation() == ImageOk
-                                   ? pages_.pageRef(x & pageMask, y & pageMask, false)
-                                   : nullptr;
+    SmartPageRef* const slot = slotToLookAt(x, y);
     if (!slot) return sight;
     if (wantsCells) {
         static_cast<PageLook&>(sight) = lookOf(*slot);

@@ -88,6 +88,7 @@ void StampBatch::lay(const Canvas& canvas) {
     high_.end();
     low_.end();
     pages_.clear();
+    canvas_ = {};
     clear();
 }
 
