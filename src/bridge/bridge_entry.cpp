@@ -6,8 +6,8 @@
 #include "bridge/gdi_plus_session.h"
 #include "bridge/request_record.h"
 #include "brushwork/host_call_table.h"
+#include "platform/clean_up.h"
 #include "platform/file_calls.h"
-#include "platform/process_limits.h"
 
 namespace brushwork {
 
@@ -40,17 +40,27 @@ class UndeliveredPixels {
     UndeliveredPixels(const UndeliveredPixels&) = delete;
     UndeliveredPixels& operator=(const UndeliveredPixels&) = delete;
     ~UndeliveredPixels() {
-        const std::u16string_view path = fieldText(response_.pixelsPath);
-        if (path.empty()) return;
-        if (!delivered_) static_cast<void>(platform::unlinkFile(path));
-        platform::dropPartialFile(path);
+        if (!delivered_ && !path().empty()) static_cast<void>(platform::unlinkFile(path()));
+        platform::dropPartialFile(path());
     }
-    void deliver() { delivered_ = true; }
+    void deliver() {
+        delivered_ = true;
+        platform::dropPartialFile(path());
+    }
 
   private:
+    [[nodiscard]] std::u16string_view path() const { return fieldText(response_.pixelsPath); }
+
     const RequestRecord& response_;
     bool delivered_ = false;
 };
+
+// The answer and the pixels that it names are left together, or neither is.
+void deliver(const znString::IString& path, const RequestRecord& response,
+             UndeliveredPixels& pixels) {
+    const platform::EndingHold hold;
+    if (writeRecord(path, response)) pixels.deliver();
+}
 
 int serve(const std::vector<std::u16string>& arguments) {
     GdiPlusSession::start();
@@ -61,7 +71,7 @@ int serve(const std::vector<std::u16string>& arguments) {
     if (!readRecord(requestPath, request)) return bridgeFailed;
     UndeliveredPixels pixels(response);
     if (!runCommand(request, response)) return bridgeFailed;
-    if (writeRecord(znString::IString(fieldText(request.responsePath)), response)) pixels.deliver();
+    deliver(znString::IString(fieldText(request.responsePath)), response, pixels);
     GdiPlusSession::stop();
     return bridgeAnswered;
 }

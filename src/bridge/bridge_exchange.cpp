@@ -2,7 +2,7 @@
 
 #include "bridge/exchange_name.h"
 #include "foundation/files/file.h"
-#include "platform/process_limits.h"
+#include "platform/clean_up.h"
 
 namespace brushwork {
 

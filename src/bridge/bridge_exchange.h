@@ -8,6 +8,7 @@
 
 #include "bridge/request_record.h"
 #include "bridge/spawn_bridge.h"
+#include "platform/clean_up.h"
 
 namespace brushwork {
 
@@ -31,6 +32,8 @@ class ExchangeFile {
     znString::IString path_;
 };
 
+// While one lives, a signal's end of the process waits: the helper's answer names a file of pixels
+// that somebody has to take. Belongs to one thread.
 class BridgeExchange {
   public:
     // Without a helper nothing is made, no name either, and run() answers false.
@@ -46,6 +49,7 @@ class BridgeExchange {
     SpawnReport report;
 
   private:
+    platform::EndingHold hold_;
     ExchangeFile responseFile_;
     bool ready_ = false;
 };

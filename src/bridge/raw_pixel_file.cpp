@@ -5,7 +5,7 @@
 #include <limits>
 
 #include "foundation/files/file.h"
-#include "platform/process_limits.h"
+#include "platform/clean_up.h"
 
 namespace brushwork {
 
@@ -41,6 +41,7 @@ RawPixelWriter::~RawPixelWriter() {
 
 bool RawPixelWriter::create(std::u16string_view path, std::int32_t width, std::int32_t height) {
     const auto bytes = pixelFileBytes(width, height, 4);
+    const platform::EndingHold hold;  // until the file is noted
     if (!bytes || !file_.open(path, platform::PositionedFile::Mode::CreateNew)) return false;
     path_ = path;
     platform::notePartialFile(path_);

@@ -4,8 +4,8 @@
 
 #include "bridge/exchange_name.h"
 #include "foundation/files/file.h"
+#include "platform/clean_up.h"
 #include "platform/process_calls.h"
-#include "platform/process_limits.h"
 
 namespace brushwork {
 
@@ -61,6 +61,7 @@ bool spawnBridge(const RequestRecord& request, RequestRecord& response, SpawnRep
     const znString::IString requestPath = exchangeFileName();
     if (requestPath.isEmpty()) return false;
     bool answered = false;
+    const platform::EndingHold hold;
     platform::notePartialFile(requestPath.view());
     told.requestWritten = writeRecord(requestPath, request);
     if (told.requestWritten) {

@@ -7,8 +7,8 @@
 #include <climits>
 #include <cstdlib>
 
+#include "platform/clean_up.h"
 #include "platform/file_calls_posix.h"
-#include "platform/process_limits.h"
 #include "platform/text_codec.h"
 
 namespace brushwork::platform {
@@ -91,6 +91,7 @@ class SpooledTarget final : public PosixTarget {
 std::unique_ptr<ByteTarget> spool(const std::string& path) {
     FileDescriptor target = openDescriptor(path, O_WRONLY);
     if (!target.isOpen()) return nullptr;
+    const EndingHold hold;  // while the file has a name
     std::string name;
     const std::string stem = toUtf8(temporaryDirectory()) + "/bws";
     FileDescriptor file = openUniqueFile(stem, 0600, name);
@@ -143,6 +144,7 @@ std::unique_ptr<ByteTarget> createFileTarget(std::u16string_view path) {
 
     std::string target = exists ? realPath(name) : behindLinks(name);
     if (target.empty()) return exists ? spool(name) : nullptr;
+    const EndingHold hold;  // until the file is noted
     std::string temporary;
     FileDescriptor file = openUniqueFile(directoryOf(target) + ".bw", 0666, temporary);
     if (!file.isOpen()) return exists ? spool(name) : nullptr;

@@ -3,11 +3,12 @@
 #include <windows.h>
 
 #include <atomic>
+#include <memory>
 #include <string>
 
+#include "platform/clean_up.h"
 #include "platform/imaging_gdiplus_calls.h"
 #include "platform/imaging_gdiplus_gif.h"
-#include "platform/process_limits.h"
 #include "platform/wide_text_win32.h"
 
 namespace brushwork::platform::gdiplus {
@@ -70,6 +71,12 @@ class PartialFile {
     bool kept_ = false;
 };
 
+std::unique_ptr<PartialFile> makePartialBeside(const std::wstring& path) {
+    const EndingHold hold;  // until the file is noted
+    std::wstring name = createBeside(path);
+    return name.empty() ? nullptr : std::make_unique<PartialFile>(std::move(name));
+}
+
 ImagingStatus save(Bitmap* bitmap, const std::wstring& path, const EncoderRecord& encoder,
                    const EncodeRequest& request) {
     if (!request.quality)
@@ -94,14 +101,14 @@ ImagingStatus saveInPlace(Bitmap* bitmap, const std::wstring& path, const Encode
 
 ImagingStatus saveBeside(Bitmap* bitmap, const std::wstring& path, const EncoderRecord& encoder,
                          const EncodeRequest& request) {
-    const std::wstring temporary = createBeside(path);
-    if (temporary.empty()) return saveInPlace(bitmap, path, encoder, request);
-    PartialFile partial(temporary);
+    const std::unique_ptr<PartialFile> partial = makePartialBeside(path);
+    if (!partial) return saveInPlace(bitmap, path, encoder, request);
+    const std::wstring& temporary = partial->path();
     const ImagingStatus status = save(bitmap, temporary, encoder, request);
     if (status != ImagingStatus::Ok) return status;
     if (!::MoveFileExW(temporary.c_str(), path.c_str(), MOVEFILE_REPLACE_EXISTING))
         return ImagingStatus::GenericError;
-    partial.keep();
+    partial->keep();
     return ImagingStatus::Ok;
 }
 

@@ -8,8 +8,9 @@
 #include <cerrno>
 #include <climits>
 
+#include "platform/clean_up.h"
+#include "platform/clean_up_posix.h"
 #include "platform/process_calls.h"
-#include "platform/process_limits.h"
 #include "platform/text_codec.h"
 
 extern char** environ;
@@ -20,6 +21,30 @@ namespace {
 
 double seconds(const timeval& time) {
     return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) * 1e-6;
+}
+
+// 0 if the system refused.
+pid_t startChild(const std::string& program, char* const* arguments) {
+    posix_spawnattr_t attributes;
+    if (::posix_spawnattr_init(&attributes) != 0) return 0;
+    if (const sigset_t* mask = signalMaskForChildren()) {
+        ::posix_spawnattr_setsigmask(&attributes, mask);
+        ::posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGMASK);
+    }
+    pid_t child = 0;
+    const int failed =
+        ::posix_spawn(&child, program.c_str(), nullptr, &attributes, arguments, environ);
+    ::posix_spawnattr_destroy(&attributes);
+    return failed ? 0 : child;
+}
+
+// Waits until a child has ended; its number stays taken. False if nobody will know of its end,
+// because whoever started this process has signals of ended children ignored.
+bool awaitEnd(pid_t child) {
+    siginfo_t unused{};
+    while (::waitid(P_PID, static_cast<id_t>(child), &unused, WEXITED | WNOWAIT) != 0)
+        if (errno != EINTR) return false;
+    return true;
 }
 
 }  // namespace
@@ -55,22 +80,16 @@ ProcessResult runProcess(std::u16string_view program,
     pointers.push_back(nullptr);
 
     ProcessResult result;
-    pid_t child = 0;
-    if (::posix_spawn(&child, texts[0].c_str(), nullptr, nullptr, pointers.data(), environ) != 0)
-        return result;
-    int status = 0;
-    struct rusage usage {};
+    const EndingHold hold;  // no end of this process comes between the start and the note
+    const pid_t child = startChild(texts[0], pointers.data());
+    if (child == 0) return result;
     result.started = true;
     noteRunningChild(child);
-    bool ended = true;
-    while (::wait4(child, &status, 0, &usage) < 0) {
-        if (errno == EINTR) continue;
-        // Whoever started us has signals of ended children ignored: how ours ended stays unknown.
-        ended = false;
-        break;
-    }
-    dropRunningChild(child);
-    if (!ended) return result;
+    const bool ended = awaitEnd(child);
+    dropRunningChild(child);  // before its number is free for another process
+    int status = 0;
+    struct rusage usage {};
+    if (!ended || ::wait4(child, &status, 0, &usage) != child) return result;
     result.cpuSeconds = seconds(usage.ru_utime) + seconds(usage.ru_stime);
     if (WIFEXITED(status)) {
         const int value = WEXITSTATUS(status);

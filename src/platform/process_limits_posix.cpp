@@ -1,4 +1,3 @@
-#include <fcntl.h>
 #include <linux/audit.h>
 #include <linux/filter.h>
 #include <linux/sched.h>
@@ -6,72 +5,19 @@
 #include <sys/prctl.h>
 #include <sys/resource.h>
 #include <sys/syscall.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <array>
-#include <atomic>
 #include <cerrno>
-#include <climits>
-#include <csignal>
 #include <cstddef>
-#include <cstring>
-#include <mutex>
 
+#include "platform/clean_up.h"
 #include "platform/process_limits.h"
 #include "platform/sanitizers.h"
-#include "platform/text_codec.h"
 
 namespace brushwork::platform {
 
 namespace {
-
-constexpr int failureExit = 255;
-
-// Read by a signal handler, which takes no lock: fixed storage, and a slot's first byte is written
-// last.
-std::array<std::array<char, PATH_MAX>, partialFileRoom> partialFiles{};
-std::array<std::atomic<pid_t>, 64> runningChildren{};
-volatile std::sig_atomic_t endBySignal = 0;
-
-// Of those who note and drop.
-std::mutex& partialFilesLock() {
-    static std::mutex mutex;
-    return mutex;
-}
-
-void removePartialFiles() {
-    for (const auto& path : partialFiles)
-        if (path[0] != '\0') ::unlink(path.data());
-}
-
-void endAfterCleanUp(int signal) {
-    for (const auto& slot : runningChildren)
-        if (const pid_t child = slot.load(); child > 0) ::kill(child, SIGTERM);
-    removePartialFiles();
-    if (endBySignal == 0) ::_exit(failureExit);
-    std::signal(signal, SIG_DFL);
-    ::raise(signal);
-}
-
-void cleanUpAndCrash(int signal) {
-    removePartialFiles();
-    std::signal(signal, SIG_DFL);
-    ::raise(signal);
-}
-
-void handleSignals() {
-    struct sigaction action {};
-    action.sa_handler = endAfterCleanUp;
-    for (const int signal : {SIGXCPU, SIGTERM, SIGINT, SIGHUP, SIGQUIT, SIGALRM, SIGUSR1, SIGUSR2})
-        ::sigaction(signal, &action, nullptr);
-    for (const int signal : {SIGPIPE, SIGXFSZ}) std::signal(signal, SIG_IGN);
-    if (sanitized) return;
-    action.sa_handler = cleanUpAndCrash;
-    action.sa_flags = static_cast<int>(SA_RESETHAND);
-    for (const int signal : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT})
-        ::sigaction(signal, &action, nullptr);
-}
 
 // RLIM_INFINITY is the largest value.
 void setLimit(__rlimit_resource resource, rlim_t soft, rlim_t hard) {
@@ -156,53 +102,15 @@ void confineSystemCalls() {
 
 }  // namespace
 
-void cleanUpOnSignals(AfterCleanUp after) {
-    endBySignal = after == AfterCleanUp::EndBySignal ? 1 : 0;
-    handleSignals();
-}
-
-void noteRunningChild(std::int64_t process) {
-    for (auto& slot : runningChildren) {
-        pid_t none = 0;
-        if (slot.compare_exchange_strong(none, static_cast<pid_t>(process))) return;
-    }
-}
-
-void dropRunningChild(std::int64_t process) {
-    for (auto& slot : runningChildren) {
-        auto child = static_cast<pid_t>(process);
-        if (slot.compare_exchange_strong(child, 0)) return;
-    }
-}
-
 void applyProcessLimits(const ProcessLimits& limits) {
-    cleanUpOnSignals(AfterCleanUp::EndWithFailure);
     setLimit(RLIMIT_CORE, 0, 0);
     if (limits.cpuSeconds != 0)
         setLimit(RLIMIT_CPU, limits.cpuSeconds, rlim_t{limits.cpuSeconds} + 5);
     if (limits.addressSpace != 0 && !sanitized)
         setLimit(RLIMIT_AS, limits.addressSpace, limits.addressSpace);
     if (limits.confine && !sanitized) confineSystemCalls();
-}
-
-void notePartialFile(std::u16string_view path) {
-    const std::string text = toUtf8(path);
-    if (text.empty() || text.size() >= PATH_MAX) return;
-    const std::lock_guard lock(partialFilesLock());
-    for (auto& slot : partialFiles) {
-        if (slot[0] != '\0') continue;
-        std::memcpy(slot.data() + 1, text.data() + 1, text.size() - 1);
-        slot[text.size()] = '\0';
-        slot[0] = text[0];
-        return;
-    }
-}
-
-void dropPartialFile(std::u16string_view path) {
-    const std::string text = toUtf8(path);
-    const std::lock_guard lock(partialFilesLock());
-    for (auto& slot : partialFiles)
-        if (text == slot.data()) slot[0] = '\0';
+    // Last, so that the thread that it makes is confined as well.
+    cleanUpOnSignals(AfterCleanUp::EndWithFailure);
 }
 
 }  // namespace brushwork::platform

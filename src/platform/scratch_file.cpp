@@ -1,10 +1,12 @@
 #include "platform/scratch_file.h"
 
+#include "platform/clean_up.h"
 #include "platform/file_calls.h"
 
 namespace brushwork::platform {
 
 bool ScratchFile::open() {
+    const EndingHold hold;  // while the file has a name
     if (!makeUniqueFile(temporaryDirectory(), u"ZNC", path_).ok()) {
         path_.clear();
         return false;

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/process_limits.h"
+#include "platform/clean_up.h"
 #include "tools/command_brushes.h"
 #include "tools/command_image.h"
 #include "tools/command_info.h"

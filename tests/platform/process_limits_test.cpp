@@ -11,10 +11,13 @@
 
 #include <cerrno>
 #include <chrono>
+#include <csignal>
 #include <cstdlib>
 #include <functional>
 #include <thread>
 
+#include "platform/clean_up.h"
+#include "platform/process_calls.h"
 #include "platform/sanitizers.h"
 #include "platform/swap_io.h"
 #include "platform/text_codec.h"
@@ -94,6 +97,80 @@ TEST(ProcessLimits, PartialFilesGoWhenTheProcessIsEnded) {
                       ::kill(process, SIGTERM);
                   }),
           "terminated");
+}
+
+// Kills the child once it has written `name`.
+std::function<void(pid_t)> killOnce(const ScratchDirectory& scratch, const char* name, int signal) {
+    return [path = scratch.name(name), signal](pid_t process) {
+        while (!std::filesystem::exists(path))
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        ::kill(process, signal);
+    };
+}
+
+TEST(CleanUp, TheEndWaitsForHoldsAndTheirFiles) {
+    const ScratchDirectory scratch;
+    const int status = inChild(
+        [&] {
+            cleanUpOnSignals(AfterCleanUp::EndBySignal);
+            {
+                const EndingHold hold;
+                const EndingHold nested;
+                scratch.put("ready", "");
+                std::this_thread::sleep_for(std::chrono::milliseconds(200));
+                scratch.put("partial", "half");
+                notePartialFile(scratch.name("partial"));
+                scratch.put("reached", "");
+            }
+            scratch.put("past", "");
+            return 1;
+        },
+        killOnce(scratch, "ready", SIGTERM));
+    EXPECT_TRUE(WIFSIGNALED(status));
+    EXPECT_EQ(WTERMSIG(status), SIGTERM);
+    EXPECT_TRUE(std::filesystem::exists(scratch.name("reached")));
+    EXPECT_FALSE(std::filesystem::exists(scratch.name("partial")));
+    EXPECT_FALSE(std::filesystem::exists(scratch.name("past")));
+}
+
+TEST(CleanUp, ChildrenEndFirstAndFindNoSignalBlocked) {
+    const ScratchDirectory scratch;
+    const auto begin = std::chrono::steady_clock::now();
+    const std::u16string script = u"trap 'rm -f " + scratch.name("child") + u"; exit 1' TERM; : >" +
+                                  scratch.name("child") + u"; sleep 1; sleep 1; sleep 60";
+    const int status = inChild(
+        [&] {
+            cleanUpOnSignals(AfterCleanUp::EndBySignal);
+            static_cast<void>(runProcess(u"/bin/sh", {u"-c", script}));
+            return 1;
+        },
+        killOnce(scratch, "child", SIGINT));
+    EXPECT_TRUE(WIFSIGNALED(status));
+    EXPECT_EQ(WTERMSIG(status), SIGINT);
+    EXPECT_FALSE(std::filesystem::exists(scratch.name("child")));
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(4));
+}
+
+TEST(CleanUp, ASecondSignalEndsAtOnceAndIgnoredOnesStayIgnored) {
+    const ScratchDirectory scratch;
+    const int status = inChild(
+        [&] {
+            std::signal(SIGHUP, SIG_IGN);
+            cleanUpOnSignals(AfterCleanUp::EndBySignal);
+            const EndingHold hold;
+            ::kill(::getpid(), SIGHUP);
+            scratch.put("ready", "");
+            std::this_thread::sleep_for(std::chrono::seconds(60));
+            return 1;
+        },
+        [&](pid_t process) {
+            killOnce(scratch, "ready", SIGTERM)(process);
+            std::this_thread::sleep_for(std::chrono::milliseconds(100));
+            EXPECT_EQ(::waitpid(process, nullptr, WNOHANG), 0) << "waits for the hold";
+            ::kill(process, SIGTERM);
+        });
+    EXPECT_TRUE(WIFSIGNALED(status));
+    EXPECT_EQ(WTERMSIG(status), SIGTERM);
 }
 
 // The host's own, lower limits stay; writing beyond one of them fails like a full disk.

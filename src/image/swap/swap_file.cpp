@@ -9,8 +9,8 @@
 
 #include "foundation/services/log.h"
 #include "image/swap/run_length.h"
+#include "platform/clean_up.h"
 #include "platform/file_calls.h"
-#include "platform/process_limits.h"
 #include "platform/text_codec.h"
 
 namespace brushwork {
@@ -50,7 +50,8 @@ bool SwapFile::openIn(std::u16string_view directory, std::u16string_view prefix)
         static_cast<void>(platform::unlinkFile(name_));
         errno = 0;
         // A file that somebody puts there in this moment is not taken for ours.
-        platform::notePartialFile(name_);  // before it exists: no signal finds it unnamed
+        const platform::EndingHold hold;
+        platform::notePartialFile(name_);  // before it exists: no crash finds it unnamed
         if (file_.open(name_, platform::PositionedFile::Mode::CreateOwned)) break;
         const int error = errno;
         platform::dropPartialFile(name_);
