@@ -1,11 +1,13 @@
-# brushwork_layer(<name> [FOLDER <dir>] [DEPENDS <layer>...] [ONLY <regex>...] [EXCLUDE <regex>...])
+# brushwork_layer(<name> [FOLDER <dir>] [DEPENDS <layer>...] [ONLY <regex>...] [EXCLUDE <regex>...]
+#                [APART])
 #
 # One layer of the house. Its sources are found by name below src/<dir>: files that end in _posix or
 # _win32 belong to that system alone, _sse2 and _avx2 are compiled for that instruction set.
 # Makes brushwork_<name>_objects, compiled once, and the static library brushwork_<name> over them,
-# which may see exactly the layers it names.
+# which may see exactly the layers it names. With APART its files stay files of their own where others
+# are compiled together (CMAKE_UNITY_BUILD): files of one pattern may use the same names inside.
 function(brushwork_layer name)
-  cmake_parse_arguments(ARG "" "FOLDER" "DEPENDS;ONLY;EXCLUDE" ${ARGN})
+  cmake_parse_arguments(ARG "APART" "FOLDER" "DEPENDS;ONLY;EXCLUDE" ${ARGN})
   if(NOT ARG_FOLDER)
     set(ARG_FOLDER ${name})
   endif()
@@ -39,6 +41,9 @@ function(brushwork_layer name)
     ${PROJECT_SOURCE_DIR}/src ${PROJECT_SOURCE_DIR}/include)
   target_link_libraries(brushwork_${name}_objects PRIVATE brushwork_options)
   brushwork_precompile(brushwork_${name}_objects)
+  if(ARG_APART)
+    set_target_properties(brushwork_${name}_objects PROPERTIES UNITY_BUILD OFF)
+  endif()
   if(BUILD_SHARED_LIBS)
     target_compile_definitions(brushwork_${name}_objects PRIVATE BRUSHWORK_BUILDING)
   else()

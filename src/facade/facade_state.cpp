@@ -22,6 +22,11 @@ LayerStack* FacadeState::stackAt(std::int32_t canvas) const {
     return canvases.stackAt(canvas);
 }
 
+Layer* FacadeState::layerById(std::int32_t id) const {
+    const LayerStack* const stack = stackOfLayer(id);
+    return stack ? stack->layerById(id) : nullptr;
+}
+
 std::int32_t FacadeState::slotCount() const {
     return static_cast<std::int32_t>(canvases.slots.size());
 }

@@ -38,6 +38,11 @@ struct FacadeState final : UndoCanvases {
     // Restarts the idle timer sooner, after a stroke.
     void scheduleIdleAfterStroke();
     [[nodiscard]] LayerStack* current() const { return stackAt(activeOne); }
+    // Of any canvas; null if there is none of this id.
+    [[nodiscard]] LayerStack* stackOfLayer(std::int32_t id) const {
+        return canvases.stackOfLayer(id, nullptr);
+    }
+    [[nodiscard]] Layer* layerById(std::int32_t id) const;
 
   private:
     void takeOver(StackParts& to, LayerStack& former) const;

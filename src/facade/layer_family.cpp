@@ -14,10 +14,6 @@ LayerRole roleOf(std::int32_t role) {
     return role == 1 ? LayerRole::Mask : role == 2 ? LayerRole::Stencil : LayerRole::Paint;
 }
 
-auto recordsStack(FacadeState& state) {
-    return [&state](std::int32_t canvas) { recordStack(state, canvas, true); };
-}
-
 // With the pixels of those layers that are meant.
 template <class Meant>
 auto recordsPixelsOf(FacadeState& state, const Meant& meant) {

@@ -6,10 +6,6 @@
 namespace brushwork {
 namespace {
 
-auto recordsStack(FacadeState& state) {
-    return [&state](std::int32_t canvas) { recordStack(state, canvas, true); };
-}
-
 bool isKnown(LayerStack* stack, std::span<const std::int32_t> ids) {
     return stack && !stack::normalizeIds(stack->parts(), ids).empty();
 }

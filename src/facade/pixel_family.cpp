@@ -29,11 +29,6 @@ void onPixels(FacadeState& state, std::int32_t id, const Work& work) {
         [&](LayerStack& stack) { work(stack); });
 }
 
-Layer* layerOf(const FacadeState& state, std::int32_t id) {
-    const LayerStack* const stack = state.canvases.stackOfLayer(id, nullptr);
-    return stack ? stack->layerById(id) : nullptr;
-}
-
 bool pixelOf(ilImage& image, std::int32_t x, std::int32_t y, std::uint32_t* pixel) {
     const ilTile one = flatTile(x, y, 1, 1);
     *pixel = 0;
@@ -135,7 +130,7 @@ PixelFamily::ConvolveParams PixelFamily::convolveParams(bool sharpen) const {
 }
 
 void PixelFamily::applyConvolve(const ConvolveParams& params, std::int32_t id) {
-    const Layer* const meant = layerOf(state_, id);
+    const Layer* const meant = state_.layerById(id);
     if (!meant || meant->role() != LayerRole::Paint || !isUsable(params)) return;
     onPixels(state_, id, [&](LayerStack& stack) {
         if (Layer* const layer = stack.layerById(id)) convolve(stack, *layer, params);
@@ -149,7 +144,7 @@ void PixelFamily::shrinkWrap(const std::array<float, 4>& color, float blur, floa
 
 bool PixelFamily::layerPixel(std::int32_t id, std::int32_t x, std::int32_t y,
                              std::uint32_t* pixel) const {
-    Layer* const layer = layerOf(state_, id);
+    Layer* const layer = state_.layerById(id);
     if (!layer || !pixel || !isPlace(x, y)) return false;
     layer->prepareForRender(nullptr, false);
     ilImage* const image = layer->colorImageRef();
@@ -166,7 +161,7 @@ bool PixelFamily::canvasPixel(std::int32_t x, std::int32_t y, std::uint32_t* pix
 }
 
 ImageRef PixelFamily::layerImage(std::int32_t id) const {
-    Layer* const layer = layerOf(state_, id);
+    Layer* const layer = state_.layerById(id);
     if (!layer) return {};
     layer->prepareForRender(nullptr, false);
     ilSmartImage* const image = layer->smartColor();
@@ -174,7 +169,7 @@ ImageRef PixelFamily::layerImage(std::int32_t id) const {
 }
 
 ImageRef PixelFamily::layerStencil(std::int32_t id) const {
-    Layer* const layer = layerOf(state_, id);
+    Layer* const layer = state_.layerById(id);
     ilSmartImage* const image = layer ? layer->smartStencil() : nullptr;
     return image ? ImageRef(image->clone().get()) : ImageRef();
 }

@@ -6,20 +6,11 @@
 namespace brushwork {
 namespace {
 
-const LayerStack* stackOf(const FacadeState& state, std::int32_t id) {
-    return state.canvases.stackOfLayer(id, nullptr);
-}
-
-Layer* layerOf(const FacadeState& state, std::int32_t id) {
-    const LayerStack* const stack = stackOf(state, id);
-    return stack ? stack->layerById(id) : nullptr;
-}
-
 // What `ask` says of the layer, or the empty answer.
 template <class Ask>
 auto ofLayer(const FacadeState& state, std::int32_t id, const Ask& ask) {
     using Answer = std::decay_t<std::invoke_result_t<Ask, Layer&>>;
-    Layer* const layer = layerOf(state, id);
+    Layer* const layer = state.layerById(id);
     return layer ? Answer(ask(*layer)) : Answer();
 }
 
@@ -36,7 +27,7 @@ std::int32_t QueryFamily::layerIdAt(std::int32_t index, bool members, std::int32
 }
 
 std::int32_t QueryFamily::layerIndexOf(std::int32_t id, bool members) const {
-    const LayerStack* const stack = stackOf(state_, id);
+    const LayerStack* const stack = state_.stackOfLayer(id);
     return stack ? stack->indexOfId(id, members) : noLayer;
 }
 
@@ -119,20 +110,20 @@ std::uint32_t QueryFamily::labelColor(std::int32_t id) const {
 }
 
 bool QueryFamily::position(std::int32_t id, float* x, float* y) const {
-    Layer* const layer = layerOf(state_, id);
+    Layer* const layer = state_.layerById(id);
     if (layer) layer->offset(x, y);
     return layer != nullptr;
 }
 
 bool QueryFamily::pivot(std::int32_t id, float* x, float* y) const {
-    Layer* const layer = layerOf(state_, id);
+    Layer* const layer = state_.layerById(id);
     if (layer) layer->pivot(x, y);
     return layer != nullptr;
 }
 
 bool QueryFamily::layerBounds(std::int32_t id, ilTile& box) const {
     box = ilTile();
-    Layer* const layer = layerOf(state_, id);
+    Layer* const layer = state_.layerById(id);
     if (!layer) return false;
     layer->prepareForRender(nullptr, false);
     layer->tighten();
@@ -141,33 +132,33 @@ bool QueryFamily::layerBounds(std::int32_t id, ilTile& box) const {
 }
 
 std::int32_t QueryFamily::groupOf(std::int32_t id) const {
-    const LayerStack* const stack = stackOf(state_, id);
+    const LayerStack* const stack = state_.stackOfLayer(id);
     return stack ? stack->groupOf(id) : noLayer;
 }
 
 std::int32_t QueryFamily::groupMemberCount(std::int32_t id) const {
-    const LayerStack* const stack = stackOf(state_, id);
+    const LayerStack* const stack = state_.stackOfLayer(id);
     return stack ? stack->groupMemberCount(id) : 0;
 }
 
 std::int32_t QueryFamily::groupChild(std::int32_t id, std::int32_t index) const {
-    const LayerStack* const stack = stackOf(state_, id);
+    const LayerStack* const stack = state_.stackOfLayer(id);
     return stack ? stack->groupChild(id, index) : noLayer;
 }
 
 std::int32_t QueryFamily::groupDepth(std::int32_t id) const {
-    const LayerStack* const stack = stackOf(state_, id);
+    const LayerStack* const stack = state_.stackOfLayer(id);
     return stack ? stack->groupDepth(stack->indexOfId(id, true), true) : 0;
 }
 
 std::int32_t QueryFamily::maxGroupDepth(std::int32_t id) const {
-    const LayerStack* const stack = stackOf(state_, id);
+    const LayerStack* const stack = state_.stackOfLayer(id);
     return stack ? stack->maxGroupDepth(id) : 0;
 }
 
 bool QueryFamily::canMergeDown(std::int32_t id) const {
-    const LayerStack* const stack = stackOf(state_, id);
-    const Layer* const layer = layerOf(state_, id);
+    const LayerStack* const stack = state_.stackOfLayer(id);
+    const Layer* const layer = state_.layerById(id);
     return layer && layer->previous &&
            stack::mergeable(stack->parts(), layer->id(), layer->previous->id());
 }
@@ -178,7 +169,7 @@ bool QueryFamily::isNameUnique(const znString::IString& name) const {
 }
 
 ImageRef QueryFamily::thumbnail(std::int32_t id) {
-    Layer* const layer = layerOf(state_, id);
+    Layer* const layer = state_.layerById(id);
     return layer ? ImageRef(layer->thumbnailImage(nullptr, 0, 0)) : ImageRef();
 }
 

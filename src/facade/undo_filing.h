@@ -18,6 +18,10 @@ void fileRecord(PntUndoOper* record);
 // A copy of the stack goes into the slot, and the record keeps the one from before. Null while undo
 // is off or the canvas isn't there.
 Ref<PntUndoLayerStack> recordStack(FacadeState& state, std::int32_t canvas, bool file);
+// The same, filed, for guardedEdit.
+inline auto recordsStack(FacadeState& state) {
+    return [&state](std::int32_t canvas) { recordStack(state, canvas, true); };
+}
 // Children go in front of the layer's images. Null while undo is off or there is no such layer.
 Ref<PntUndoStroke> recordLayer(FacadeState& state, std::int32_t canvas, std::int32_t layerId,
                                bool file);

@@ -7,10 +7,9 @@ namespace brushwork::platform {
 
 namespace {
 
-constexpr std::size_t fileHeaderBytes = 14;
 constexpr std::size_t coreHeaderBytes = 12;
 constexpr std::size_t masksAt = 54;  // inside a long header or right behind one of 40 bytes
-constexpr std::size_t largestHeaders = fileHeaderBytes + 124;
+constexpr std::size_t largestHeaders = bmpFileHeaderBytes + 124;
 
 enum Compression : std::uint32_t {
     plain = 0,
@@ -26,9 +25,9 @@ class RawHeaders {
   public:
     explicit RawHeaders(ByteSource& source) {
         held_ = source.readAt(0, bytes_.data(), bytes_.size());
-        if (held_ >= fileHeaderBytes + 4) infoBytes_ = u32(fileHeaderBytes);
+        if (held_ >= bmpFileHeaderBytes + 4) infoBytes_ = u32(bmpFileHeaderBytes);
         // Beyond a short header stands something else, except for the fields behind 40 bytes.
-        std::size_t known = std::min<std::size_t>(held_, fileHeaderBytes + infoBytes_);
+        std::size_t known = std::min<std::size_t>(held_, bmpFileHeaderBytes + infoBytes_);
         if (infoBytes_ == 40) known = held_;
         std::fill(bytes_.begin() + static_cast<std::ptrdiff_t>(known), bytes_.end(),
                   std::uint8_t{0});
@@ -48,7 +47,7 @@ class RawHeaders {
         constexpr std::array<std::size_t, 8> sizes{12, 16, 40, 52, 56, 64, 108, 124};
         return u16(0) == 0x4D42 &&
                std::find(sizes.begin(), sizes.end(), infoBytes_) != sizes.end() &&
-               holds(fileHeaderBytes + infoBytes_);
+               holds(bmpFileHeaderBytes + infoBytes_);
     }
 
   private:
@@ -97,7 +96,7 @@ bool takeLayout(const RawHeaders& raw, BmpHeader& header, std::size_t& headersEn
     if (raw.u16(planesAt) != 1 ||
         std::find(depths.begin(), depths.end(), header.bits) == depths.end())
         return false;
-    headersEnd = fileHeaderBytes + raw.infoBytes();
+    headersEnd = bmpFileHeaderBytes + raw.infoBytes();
 
     const std::uint32_t compression = raw.isCore() ? plain : raw.u32(30);
     if (compression == plain) {

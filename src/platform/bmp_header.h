@@ -10,6 +10,9 @@
 
 namespace brushwork::platform {
 
+// Of the part in front of the picture's own header.
+inline constexpr std::size_t bmpFileHeaderBytes = 14;
+
 enum class BmpPacking {
     Plain,
     RunLength4,

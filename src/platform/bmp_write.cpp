@@ -9,11 +9,12 @@
 #include <memory>
 #include <new>
 
+#include "platform/bmp_header.h"
+
 namespace brushwork::platform {
 
 namespace {
 
-constexpr std::size_t fileHeaderBytes = 14;
 constexpr std::size_t plainHeaderBytes = 40;
 constexpr std::size_t alphaHeaderBytes = 108;
 constexpr std::size_t blockBytes = std::size_t{128} << 10;
@@ -29,7 +30,7 @@ struct Layout {
           stride((static_cast<std::uint64_t>(request.width) * pixelBytes + 3) / 4 * 4),
           dataBytes(stride * static_cast<std::uint64_t>(request.height)) {}
 
-    [[nodiscard]] std::size_t headerBytes() const { return fileHeaderBytes + infoBytes; }
+    [[nodiscard]] std::size_t headerBytes() const { return bmpFileHeaderBytes + infoBytes; }
     // Width and height are below 2^31, so no product here passes 2^64.
     [[nodiscard]] bool fits() const { return dataBytes <= UINT32_MAX - headerBytes(); }
 
@@ -53,7 +54,7 @@ class HeaderBytes {
     [[nodiscard]] const std::uint8_t* data() const { return bytes_.data(); }
 
   private:
-    std::array<std::uint8_t, fileHeaderBytes + alphaHeaderBytes> bytes_{};
+    std::array<std::uint8_t, bmpFileHeaderBytes + alphaHeaderBytes> bytes_{};
 };
 
 std::uint32_t dotsPerMetre(float dotsPerInch) {

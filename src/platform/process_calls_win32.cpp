@@ -124,6 +124,10 @@ std::u16string programDirectory() {
     return fromWide(std::wstring_view(path).substr(0, separator));
 }
 
+std::u16string joinPath(std::u16string_view directory, std::u16string_view name) {
+    return std::u16string(directory).append(u"\\").append(name);
+}
+
 std::u16string programFileName(std::u16string_view name) {
     return std::u16string(name) + u".exe";
 }

@@ -95,9 +95,9 @@ void mergeColumn(std::span<std::uint8_t> mask, std::size_t x, std::size_t width,
 }  // namespace
 
 ilTile filledBox(const OutlineExtent& extent) {
-    constexpr double reach = 1 << 29;
-    if (!(extent.lowX > -reach && extent.lowY > -reach && extent.highX < reach &&
-          extent.highY < reach)) {
+    constexpr double farthest = 1 << 29;
+    if (!(extent.lowX > -farthest && extent.lowY > -farthest && extent.highX < farthest &&
+          extent.highY < farthest)) {
         return {};
     }
     const auto left = static_cast<std::int32_t>(extent.lowX - 2.0);

@@ -10,7 +10,7 @@ namespace {
 std::int32_t live = 0;
 
 // Of smart images, on every side of zero.
-constexpr ilTile reach = flatTile(-102400, -102400, 204800, 204800);
+constexpr ilTile widestBox = flatTile(-102400, -102400, 204800, 204800);
 constexpr std::int64_t largestMask = std::int64_t{1} << 28;
 // A filled outline that is cut off counts from the cut's edge, which therefore stays out of sight.
 constexpr std::int32_t cutMargin = 4;
@@ -43,7 +43,7 @@ void ShapeRenderer::draw(ShapeSource& shape, const ilTile* clip) {
 }
 
 ilTile ShapeRenderer::affordableBox(const ilTile& box, const ShapeSource& shape) {
-    ilTile cut = intersection(box, reach);
+    ilTile cut = intersection(box, widestBox);
     if (areaOf(cut) <= largestMask) return cut;
     const ilTile document = shape.owner() ? shape.owner()->documentBox() : ilTile{};
     if (document.isEmpty()) return {};

@@ -14,7 +14,7 @@
 namespace brushwork::tools {
 namespace {
 
-using Problem = std::optional<std::string>;
+using Refusal = std::optional<std::string>;
 namespace fs = std::filesystem;
 
 constexpr float widestRadius = maximumStampRadius;
@@ -29,13 +29,13 @@ constexpr Kind kinds[] = {
     {"pastel", 6}, {"replace", 7}, {"eraser", 8}, {"glow", 9}};
 constexpr std::int32_t markerKind = 1;
 
-Problem changeTip(const Operation& tip, const fs::path& folder, BrushPreset& preset) {
+Refusal changeTip(const Operation& tip, const fs::path& folder, BrushPreset& preset) {
     preset.brush.proceduralTip = false;
     if (tip.has("file")) {
         const auto fault =
             readPicture((folder / tip.text("file")).string(),
                         tip.flag("in_colour") ? PictureUse::Colors : PictureUse::Mask, preset.tip);
-        return fault ? Problem(fault->message) : std::nullopt;
+        return fault ? Refusal(fault->message) : std::nullopt;
     }
     const auto image =
         ellipseTip(tip.number("roundness", 1.0f), tip.number("angle"), tip.number("softness"));
@@ -44,7 +44,7 @@ Problem changeTip(const Operation& tip, const fs::path& folder, BrushPreset& pre
     return std::nullopt;
 }
 
-Problem changeTexture(const Operation& texture, const fs::path& folder, BrushPreset& preset) {
+Refusal changeTexture(const Operation& texture, const fs::path& folder, BrushPreset& preset) {
     preset.texture = makeRef<BrushTextureParameters>();
     ImageRef paper;
     if (texture.has("file")) {
@@ -106,7 +106,7 @@ void changeNumbers(const Operation& fields, BrushPreset& preset) {
     preset.strokeOpacity = fields.number("stroke_opacity", preset.strokeOpacity);
 }
 
-Problem parseBrush(const std::string& content, Json& value) {
+Refusal parseBrush(const std::string& content, Json& value) {
     const auto at = [&](std::size_t byte, const std::string& cause) {
         const std::string before = content.substr(0, byte);
         const auto line = std::count(before.begin(), before.end(), '\n') + 1;

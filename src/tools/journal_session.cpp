@@ -23,7 +23,7 @@ std::string JournalSession::pathOf(const std::string& name) const {
 
 Problem JournalSession::layerOf(const Operation& op, std::int32_t& id,
                                 const std::string& field) const {
-    if (!paint.hasCanvas(activeOne)) return "there is no canvas";
+    if (!paint.hasCanvas(activeOne)) return noCanvas;
     if (!op.has(field)) {
         id = paint.activeLayerId();
         return id < 0 ? Problem("there is no active layer") : std::nullopt;
@@ -38,7 +38,7 @@ Problem JournalSession::layerOf(const Operation& op, std::int32_t& id,
 
 Problem JournalSession::layersOf(const Operation& op, std::vector<std::int32_t>& ids,
                                  const std::string& field) const {
-    if (!paint.hasCanvas(activeOne)) return "there is no canvas";
+    if (!paint.hasCanvas(activeOne)) return noCanvas;
     for (const std::string& name : op.names(field)) {
         const auto found = layers.find(name);
         if (found == layers.end() || paint.canvasOfLayer(found->second) != paint.currentCanvas())
@@ -73,7 +73,7 @@ Problem JournalSession::picture(const Operation& op, const std::string& field, P
 }
 
 Problem JournalSession::save(const std::string& path, std::optional<std::int32_t> quality) {
-    if (!paint.hasCanvas(activeOne)) return "there is no canvas";
+    if (!paint.hasCanvas(activeOne)) return noCanvas;
     const ilTile box = paint.canvasBounds(activeOne);
     std::vector<std::uint8_t> pixels(std::size_t{4} * static_cast<std::size_t>(box.nx) *
                                      static_cast<std::size_t>(box.ny));

@@ -23,6 +23,9 @@
 
 namespace brushwork::tools {
 
+// The cause that many operations share.
+inline constexpr const char* noCanvas = "there is no canvas";
+
 inline constexpr std::int32_t activeOne = -2;  // layer, or canvas
 
 // Why an operation could not be done.

@@ -15,7 +15,7 @@ struct OpRow {
     bool isLevel = true;
 };
 
-// The cause that many operations share.
+// As noCanvas.
 inline constexpr const char* strokeIsOpen = "a stroke is open";
 
 [[nodiscard]] inline Problem problemUnless(bool done, const char* cause) {

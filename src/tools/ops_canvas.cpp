@@ -3,7 +3,6 @@
 namespace brushwork::tools {
 namespace {
 
-constexpr const char* noCanvas = "there is no canvas";
 constexpr const char* ownSize = "the canvas is on a surface of the host's, which has its size";
 
 Problem runCanvas(JournalSession& session, const Operation& op) {

@@ -13,7 +13,7 @@ std::string hashText(JournalSession& session) {
 }
 
 Problem runHash(JournalSession& session, const Operation& op) {
-    if (!session.paint.hasCanvas(activeOne)) return "there is no canvas";
+    if (!session.paint.hasCanvas(activeOne)) return noCanvas;
     const std::string text = hashText(session);
     if (op.has("as")) session.hashes[op.text("as")] = text;
     if (session.print && !op.flag("quiet"))

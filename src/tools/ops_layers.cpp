@@ -3,8 +3,6 @@
 namespace brushwork::tools {
 namespace {
 
-constexpr const char* noCanvas = "there is no canvas";
-
 znString::IString wide(const std::string& text) {
     return znString::IString(std::string_view(text));
 }

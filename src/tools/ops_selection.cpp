@@ -3,8 +3,6 @@
 namespace brushwork::tools {
 namespace {
 
-constexpr const char* noCanvas = "there is no canvas";
-
 FieldRule how() {
     return choice("how", {"replace", "add", "take_away"});
 }

@@ -13,4 +13,10 @@ namespace brushwork::npc {
 [[nodiscard]] std::shared_ptr<GenericBlender> createBlender(std::int32_t mode);
 [[nodiscard]] std::shared_ptr<GenericBlender> createBlender(BlendModeId mode);
 
+// Whether a source of nothing leaves the target as it is under a mode: what layers are meant to
+// have.
+[[nodiscard]] constexpr bool keepsUnderNothing(std::int32_t mode) {
+    return mode < static_cast<std::int32_t>(BlendModeId::Replace);
+}
+
 }  // namespace brushwork::npc

@@ -129,7 +129,7 @@ void drawMember(Layer& layer, const MemberTarget& target, float opacity, MemberP
     ilTile box;
     layer.contentBounds(box, true);
     const bool stroke = hasMaskedStroke(layer, target.request);
-    const bool cut = !stroke && keepsUnderNothing(layer.blendMode()) && !coversGround(*color);
+    const bool cut = !stroke && npc::keepsUnderNothing(layer.blendMode()) && !coversGround(*color);
     const npc::TileSet parts = partsOf(target.area, box, cut);
     if (parts.empty()) return;
     const bool paints = layer.role() == LayerRole::Paint;
@@ -150,7 +150,7 @@ void drawMemberCache(Layer& group, ilImage& cache, const MemberTarget& target, f
     const auto blender = blenderFor(group.blendMode(), target, opacity);
     if (!blender) return;
     const npc::TileSet parts =
-        partsOf(target.area, boundsOf(&cache), keepsUnderNothing(group.blendMode()));
+        partsOf(target.area, boundsOf(&cache), npc::keepsUnderNothing(group.blendMode()));
     if (!parts.empty()) blend(*blender, {Ref<ilImage>(&cache), 0, 0}, parts);
 }
 

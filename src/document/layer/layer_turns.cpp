@@ -8,7 +8,6 @@
 namespace brushwork {
 namespace {
 
-constexpr std::int32_t side = 128;
 using TurnKernel = std::int32_t (ilSPMemoryImg::*)();
 
 // The image's pixels, taken out of it, to be put back in turned tiles. Tiles are whole pages and
@@ -18,7 +17,7 @@ class PageTurns {
     PageTurns(ilSmartImage& image, const ilTile& box)
         : image_(image), box_(box), area_(SmartBounds::toPages(box)), copy_(image.clone()) {
         const ilXYZCstruct<std::int32_t> page = image.pageSize();
-        pagesFit_ = page.x == side && page.y == side;
+        pagesFit_ = page.x == pageSide && page.y == pageSide;
         if (copy_) image_.fillRegion(box, image_.fill());
     }
 
@@ -26,10 +25,10 @@ class PageTurns {
     [[nodiscard]] bool wasSlow() const { return wasSlow_; }
     // The box, grown to pages.
     [[nodiscard]] const ilTile& area() const { return area_; }
-    [[nodiscard]] std::int32_t columns() const { return area_.nx / side; }
-    [[nodiscard]] std::int32_t rows() const { return area_.ny / side; }
+    [[nodiscard]] std::int32_t columns() const { return area_.nx / pageSide; }
+    [[nodiscard]] std::int32_t rows() const { return area_.ny / pageSide; }
     [[nodiscard]] ilTile tile(std::int32_t column, std::int32_t row) const {
-        return flatTile(area_.x + side * column, area_.y + side * row, side, side);
+        return flatTile(area_.x + pageSide * column, area_.y + pageSide * row, pageSide, pageSide);
     }
 
     // Puts the tile `from` of the picture as it was to `to`, turned. False without memory; then
@@ -60,9 +59,9 @@ class PageTurns {
         bool turned = false;
         if (image_.lockPages({&request, 1}, LockWrite) == ImageOk && request.page &&
             request.page->data() && request.page->x == tile.x && request.page->y == tile.y) {
-            const Ref<ilSPMemoryImg> pixels(new ilSPMemoryImg(request.page->data(), side, side, 1,
-                                                              image_.channels(), TypeUChar,
-                                                              OrderInterleaved));
+            const Ref<ilSPMemoryImg> pixels(new ilSPMemoryImg(request.page->data(), pageSide,
+                                                              pageSide, 1, image_.channels(),
+                                                              TypeUChar, OrderInterleaved));
             turned = ((*pixels).*kernel)() == ImageOk;
         }
         image_.unlockPages({&request, 1});
@@ -71,7 +70,7 @@ class PageTurns {
 
     [[nodiscard]] bool turnCopy(const ilTile& from, const ilTile& to, TurnKernel kernel) {
         if (!scratch_)
-            scratch_ = Ref<ilSPMemoryImg>(new ilSPMemoryImg(side, side, image_.channels()));
+            scratch_ = Ref<ilSPMemoryImg>(new ilSPMemoryImg(pageSide, pageSide, image_.channels()));
         if (!scratch_->data()) return false;
         if (copy_->readRegion(from, scratch_->data(), from) != ImageOk) return false;
         return ((*scratch_).*kernel)() == ImageOk &&

@@ -8,13 +8,6 @@
 namespace brushwork {
 namespace {
 
-constexpr std::int32_t pageSide = 128;
-
-// Modes under which a source of nothing leaves the target as it is.
-bool keepsUnderNothing(std::int32_t mode) {
-    return mode < static_cast<std::int32_t>(BlendModeId::Replace);
-}
-
 bool isAbsent(ilSmartImage* wet, const ilTile& part) {
     std::uint32_t value = 1;
     return wet && wet->isSolid(part, value, false) && value == 0;
@@ -81,7 +74,7 @@ class WetRun {
         : wet_(wet), blender_(npc::createBlender(wet.blend)) {
         const ilTile area = intersection(box, wetBounds(wet));
         if (!blender_ || area.isEmpty()) return;
-        if (keepsUnderNothing(wet.blend))
+        if (npc::keepsUnderNothing(wet.blend))
             parts_ = paintedParts(wet, area);
         else
             parts_.insert(area);
@@ -96,7 +89,7 @@ class WetRun {
         if (!blender_ || area.isEmpty()) return;
         const bool isOwnChild = image && under && image->smartSource() == under && wet.x == 0 &&
                                 wet.y == 0 && wet.blend == static_cast<int>(BlendModeId::Replace);
-        const bool isBlank = image && !image->source() && keepsUnderNothing(wet.blend) &&
+        const bool isBlank = image && !image->source() && npc::keepsUnderNothing(wet.blend) &&
                              image->pages().solidValue() == 0;
         if (isOwnChild || isBlank)
             parts_ = heldParts(wet, *image, under, area);

@@ -11,8 +11,6 @@
 namespace brushwork {
 namespace {
 
-constexpr std::int32_t side = pageSide;
-
 std::shared_ptr<npc::GenericBlender> blenderOf(std::int32_t mode, float opacity) {
     auto blender = npc::createBlender(mode);
     if (blender) blender->setOpacity(opacity);
@@ -20,14 +18,10 @@ std::shared_ptr<npc::GenericBlender> blenderOf(std::int32_t mode, float opacity)
 }
 
 bool isPage(const ilTile& box) {
-    return ((box.x | box.y) & (side - 1)) == 0 && box.nx == side && box.ny == side;
+    return ((box.x | box.y) & (pageSide - 1)) == 0 && box.nx == pageSide && box.ny == pageSide;
 }
 
 }  // namespace
-
-bool keepsUnderNothing(std::int32_t mode) {
-    return mode < static_cast<std::int32_t>(BlendModeId::Replace);
-}
 
 ilSmartImage* plainColor(Layer& layer) {
     layer.prepareForRender(nullptr, false);
@@ -40,7 +34,7 @@ ilSmartImage* plainColor(Layer& layer) {
 
 PreparedBlend::PreparedBlend(const Placed& source, std::int32_t mode, float opacity)
     : image_(source.image),
-      source_{source.image, source.x, source.y, keepsUnderNothing(mode)},
+      source_{source.image, source.x, source.y, npc::keepsUnderNothing(mode)},
       hidesAll_(mode == static_cast<std::int32_t>(BlendModeId::Normal) && opacity >= 1.0f),
       blender_(blenderOf(mode, opacity)) {}
 

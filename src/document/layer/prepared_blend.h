@@ -20,10 +20,6 @@ namespace brushwork {
 
 class Layer;
 
-// Whether a source of nothing leaves the target as it is under a mode: what layers are meant to
-// have.
-[[nodiscard]] bool keepsUnderNothing(std::int32_t mode);
-
 // The colour of a layer, made ready, whose effective image it is as it stands: no stroke is live,
 // and nothing attenuates it. Null for any other layer.
 [[nodiscard]] ilSmartImage* plainColor(Layer& layer);

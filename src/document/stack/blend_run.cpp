@@ -82,7 +82,7 @@ bool blend(const BlendRun& run, const npc::TileSet& boxes) {
     if (!run.target || !run.source || boxes.empty()) return false;
     npc::TileSet parts;
     ilSmartImage* const smart = ilSmartImage::from(run.source);
-    const bool sparse = smart && smart->channels() == 4 && keepsUnderNothing(run.mode);
+    const bool sparse = smart && smart->channels() == 4 && npc::keepsUnderNothing(run.mode);
     if (sparse)
         for (const ilTile& box : boxes) addFilledParts(*smart, run, box, parts);
     if (sparse && parts.empty()) return false;

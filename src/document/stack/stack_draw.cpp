@@ -5,6 +5,7 @@
 #include <optional>
 #include <vector>
 
+#include "blending/modes/blender_registry.h"
 #include "blending/paint/soft_paint_ops.h"
 #include "document/layer/changed_area.h"
 #include "document/layer/document_switches.h"
@@ -36,7 +37,7 @@ bool showsNothingAround(Layer& layer) {
 // under a mode that acts where nothing is. That acts everywhere, or a dab would change what lies
 // far from it.
 ilTile areaOf(Layer& layer, const ilTile& box) {
-    if (!showsNothingAround(layer) || !keepsUnderNothing(layer.blendMode())) return box;
+    if (!showsNothingAround(layer) || !npc::keepsUnderNothing(layer.blendMode())) return box;
     ilTile content;
     layer.contentBounds(content, true);
     return intersection(content, box);
@@ -252,7 +253,7 @@ bool drawAs(Layer* layer, PaintOps& target, const LayerDraw& draw, float opacity
             run.source = cache.get();
             run.sourceX = -shiftX;
             run.sourceY = -shiftY;
-            const bool all = !keepsUnderNothing(run.mode);
+            const bool all = !npc::keepsUnderNothing(run.mode);
             const ilTile area = all ? draw.box : intersection(boundsOf(cache.get()), draw.box);
             drawn = blend(run, boxesOf(draw, area));
         }

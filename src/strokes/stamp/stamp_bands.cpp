@@ -8,10 +8,10 @@
 namespace brushwork::npc {
 namespace {
 
-constexpr std::int32_t leastPixels = 32768;
+constexpr std::int32_t leastBandPixels = 32768;
 
 std::int32_t rowsPerBand(std::int32_t width, std::int32_t height) {
-    const std::int32_t least = leastPixels / width + 1;
+    const std::int32_t least = leastBandPixels / width + 1;
     if (least >= height) return height;
     const std::int32_t workers = TaskPool::instance().size();
     return std::max(workers == 0 ? height : height / workers + 1, least);
