@@ -2,16 +2,16 @@
 // as the object lives.
 #pragma once
 
-#include <stdlib.h>
-
 #include <algorithm>
 #include <cstdint>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "platform/environment.h"
 #include "support/scratch_directory.h"
 
 namespace brushwork::test {
@@ -19,17 +19,17 @@ namespace brushwork::test {
 class TempFolder {
   public:
     TempFolder() {
-        if (const char* before = ::getenv("TMPDIR")) before_ = before;
+        before_ = platform::environmentText(variable);
         std::filesystem::create_directory(temporary());
-        ::setenv("TMPDIR", temporary().c_str(), 1);
+        platform::setEnvironmentText(variable, temporary().u16string());
     }
     TempFolder(const TempFolder&) = delete;
     TempFolder& operator=(const TempFolder&) = delete;
     ~TempFolder() {
-        if (before_.empty())
-            ::unsetenv("TMPDIR");
+        if (before_)
+            platform::setEnvironmentText(variable, *before_);
         else
-            ::setenv("TMPDIR", before_.c_str(), 1);
+            platform::unsetEnvironmentVariable(variable);
     }
 
     // Where temporary files of the code under test go.
@@ -47,8 +47,14 @@ class TempFolder {
     }
 
   private:
+#ifdef _WIN32
+    static constexpr const char* variable = "TMP";
+#else
+    static constexpr const char* variable = "TMPDIR";
+#endif
+
     ScratchDirectory directory_;
-    std::string before_;
+    std::optional<std::u16string> before_;
 };
 
 inline std::vector<std::uint8_t> readBytes(const std::string& path) {

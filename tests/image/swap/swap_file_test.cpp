@@ -109,6 +109,7 @@ TEST_F(SwapFiles, ThePlainSequenceOfPages) {
     PositionedFile reader;
     ASSERT_TRUE(reader.open(file.name(), PositionedFile::Mode::Read));
     EXPECT_EQ(reader.size(), expected.size() + 65536);
+    reader.close();
     file.closeIfUnused();
     EXPECT_EQ(fileCount(), 0U);
     EXPECT_TRUE(texts_.empty());
