@@ -30,7 +30,11 @@ constexpr std::size_t stackBytes = 256 * 1024;
 // written last.
 std::array<std::array<char, PATH_MAX>, partialFileRoom> partialFiles{};
 std::mutex partialFilesLock;  // of those who note and drop
-std::array<pid_t, 64> runningChildren{};
+struct RunningChild {
+    pid_t process = 0;
+    bool told = false;  // to end: a second signal would cut its own clean-up short
+};
+std::array<RunningChild, 64> runningChildren;
 std::mutex runningChildrenLock;
 
 std::atomic<bool> endBySignal{false};
@@ -45,12 +49,14 @@ void removePartialFiles() {
 
 void endRunningChildren() {
     const std::lock_guard lock(runningChildrenLock);
-    for (const pid_t child : runningChildren)
-        if (child > 0) ::kill(child, SIGTERM);
+    for (RunningChild& child : runningChildren) {
+        if (child.process == 0 || child.told) continue;
+        ::kill(child.process, SIGTERM);
+        child.told = true;
+    }
 }
 
-// A child may be started, and one that was just started may forget a signal: told until all is
-// over.
+// A child may still be started meanwhile, by a thread that held before the end began.
 void waitForHolds() {
     const auto end = std::chrono::steady_clock::now() + longestWait;
     do {
@@ -135,17 +141,17 @@ const sigset_t* signalMaskForChildren() {
 
 void noteRunningChild(std::int64_t process) {
     const std::lock_guard lock(runningChildrenLock);
-    for (pid_t& slot : runningChildren) {
-        if (slot != 0) continue;
-        slot = static_cast<pid_t>(process);
+    for (RunningChild& slot : runningChildren) {
+        if (slot.process != 0) continue;
+        slot = {static_cast<pid_t>(process)};
         return;
     }
 }
 
 void dropRunningChild(std::int64_t process) {
     const std::lock_guard lock(runningChildrenLock);
-    for (pid_t& slot : runningChildren)
-        if (slot == static_cast<pid_t>(process)) slot = 0;
+    for (RunningChild& slot : runningChildren)
+        if (slot.process == static_cast<pid_t>(process)) slot = {};
 }
 
 void notePartialFile(std::u16string_view path) {
